@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/Geometry.hpp"
+
+namespace quorvel {
+
+struct PointerState {
+    Point locationCocoa;
+    unsigned pressedButtons = 0;  ///< bit n for button n + 1; the first three only, never the wheel
+};
+
+class Pointer {
+public:
+    virtual ~Pointer() = default;
+
+    virtual PointerState read() const = 0;
+};
+
+}  // namespace quorvel
