@@ -16,8 +16,8 @@ struct AppBinding {
 
     bool operator==(const AppBinding&) const = default;
 
-    /// An array of text dictionaries, or one such dictionary for an array that holds one; anything
-    /// else, or one malformed element, reads as an empty list. Records without a path are skipped.
+    /// An array of text dictionaries; anything else, or one malformed element, reads as an empty
+    /// list. Records without a path are skipped.
     static std::vector<AppBinding> decode(const std::optional<Value>& value);
     static Value encode(const std::vector<AppBinding>& list);
 
