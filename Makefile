@@ -1,0 +1,67 @@
+# The two commands of the README, and what they are made of. Each target installs the packages that
+# it lacks (Debian 12; with sudo when not root).
+
+SHELL := /bin/bash
+PREFIX ?= /usr/local
+RELEASE := build/release
+DEV := build/dev
+JOBS ?= $(shell nproc)
+# X tests own a server each and mostly wait for it, so more of them run than there are cores.
+TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
+
+.PHONY: run test deps build install bench check format clean tour
+
+# Builds and starts the program on this desktop; where there is none, on a private one of its own,
+# where it walks through what the program does.
+run:
+	@scripts/install-packages build run $(if $(DISPLAY),,desktop)
+	@$(MAKE) --no-print-directory compile
+	@if [ -n "$$DISPLAY" ]; then exec $(RELEASE)/Quorvel; else exec scripts/tour; fi
+
+# The walk, also where there is a display.
+tour:
+	@scripts/install-packages build run desktop
+	@$(MAKE) --no-print-directory compile
+	@scripts/tour
+
+deps:
+	@scripts/install-packages build run desktop test lint bench
+
+build:
+	@scripts/install-packages build
+	@$(MAKE) --no-print-directory compile
+
+.PHONY: compile
+compile:
+	@cmake --preset release -DQUORVEL_TESTS=OFF >/dev/null
+	@cmake --build $(RELEASE) --target Quorvel quorvel-interface -j $(JOBS)
+
+# Everything: the logic under sanitizers, the program as built on private X servers.
+test:
+	@scripts/install-packages build run desktop test lint
+	@$(MAKE) --no-print-directory check
+	@cmake --preset dev >/dev/null
+	@cmake --build $(DEV) -j $(JOBS)
+	@cmake --preset release -DQUORVEL_TESTS=ON >/dev/null
+	@cmake --build $(RELEASE) -j $(JOBS)
+	@ctest --test-dir $(DEV) -L 'unit|views|property' -j $(JOBS) --output-on-failure --no-tests=error
+	@ctest --test-dir $(RELEASE) -L 'contract|x11' -j $(TEST_JOBS) --output-on-failure --no-tests=error
+
+check:
+	@scripts/check-layers
+	@git ls-files -co --exclude-standard -- '*.cpp' '*.hpp' | xargs clang-format --dry-run --Werror
+
+format:
+	@git ls-files -co --exclude-standard -- '*.cpp' '*.hpp' | xargs clang-format -i
+
+install: build
+	@cmake --install $(RELEASE) --prefix $(PREFIX)
+
+bench:
+	@scripts/install-packages build run desktop bench
+	@cmake --preset release -DQUORVEL_BENCHMARKS=ON >/dev/null
+	@cmake --build $(RELEASE) -j $(JOBS)
+	@scripts/bench
+
+clean:
+	@rm -rf build
