@@ -20,11 +20,21 @@ if(QUORVEL_SANITIZERS)
   target_compile_options(quorvel_compile INTERFACE
     -fsanitize=${QUORVEL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quorvel_compile INTERFACE -fsanitize=${QUORVEL_SANITIZERS})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Instrumented moves of a std::variant look uninitialized to it; the release build stays strict.
+    target_compile_options(quorvel_compile INTERFACE -Wno-maybe-uninitialized)
+  endif()
 endif()
 
 # quorvel_layer(NAME SOURCES … NEEDS …): a static library; what it needs is what it may include.
+# A layer of headers alone has nothing to archive.
 function(quorvel_layer name)
   cmake_parse_arguments(LAYER "" "" "SOURCES;NEEDS" ${ARGN})
-  add_library(${name} STATIC ${LAYER_SOURCES})
-  target_link_libraries(${name} PUBLIC quorvel_compile ${LAYER_NEEDS})
+  if(LAYER_SOURCES)
+    add_library(${name} STATIC ${LAYER_SOURCES})
+    target_link_libraries(${name} PUBLIC quorvel_compile ${LAYER_NEEDS})
+  else()
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE quorvel_compile ${LAYER_NEEDS})
+  endif()
 endfunction()
