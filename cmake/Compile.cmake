@@ -23,8 +23,14 @@ if(QUORVEL_SANITIZERS)
 endif()
 
 # quorvel_layer(NAME SOURCES … NEEDS …): a static library; what it needs is what it may include.
+# A layer of headers alone has nothing to archive.
 function(quorvel_layer name)
   cmake_parse_arguments(LAYER "" "" "SOURCES;NEEDS" ${ARGN})
-  add_library(${name} STATIC ${LAYER_SOURCES})
-  target_link_libraries(${name} PUBLIC quorvel_compile ${LAYER_NEEDS})
+  if(LAYER_SOURCES)
+    add_library(${name} STATIC ${LAYER_SOURCES})
+    target_link_libraries(${name} PUBLIC quorvel_compile ${LAYER_NEEDS})
+  else()
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE quorvel_compile ${LAYER_NEEDS})
+  endif()
 endfunction()

@@ -1,7 +1,7 @@
 #include "platform/Text.hpp"
 
+#include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cstdio>
 
 namespace quorvel {
@@ -12,28 +12,34 @@ struct Character {
     std::size_t length = 1;
 };
 
-/// The character at `at`; a byte that begins no well-formed sequence stands for itself.
+/// Neither space nor sign, so that nothing here ever drops a malformed byte.
+constexpr Character malformed{0xFFFD, 1};
+
+/// The character at `at`; a byte that begins no well-formed sequence stands alone.
 Character characterAt(std::string_view text, std::size_t at) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(at);
-    std::size_t length = 1;
-    char32_t code = lead;
-    if (lead >= 0xF0 && lead < 0xF8) {
-        length = 4;
-        code = lead & 0x07u;
-    } else if (lead >= 0xE0) {
-        length = lead < 0xF0 ? 3 : 1;
-        code = lead & 0x0Fu;
-    } else if (lead >= 0xC0) {
-        length = 2;
-        code = lead & 0x1Fu;
-    }
-    if (length == 1 || at + length > text.size()) return {lead, 1};
-    for (std::size_t i = 1; i < length; ++i) {
-        const unsigned char next = byte(at + i);
-        if ((next & 0xC0u) != 0x80u) return {lead, 1};
+    struct Form {
+        unsigned leadMask;
+        unsigned leadBits;
+        char32_t least;  // smaller codes have a shorter form
+    };
+    constexpr std::array<Form, 4> forms{
+        {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}}};
+
+    const unsigned lead = static_cast<unsigned char>(text[at]);
+    const auto form = std::find_if(forms.begin(), forms.end(), [lead](const Form& candidate) {
+        return (lead & candidate.leadMask) == candidate.leadBits;
+    });
+    if (form == forms.end()) return malformed;
+    const auto length = static_cast<std::size_t>(form - forms.begin()) + 1;
+    if (at + length > text.size()) return malformed;
+    char32_t code = lead & ~form->leadMask;
+    for (std::size_t i = at + 1; i < at + length; ++i) {
+        const unsigned next = static_cast<unsigned char>(text[i]);
+        if ((next & 0xC0u) != 0x80u) return malformed;
         code = (code << 6) | (next & 0x3Fu);
     }
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    if (code < form->least || code > 0x10FFFF || isSurrogate) return malformed;
     return {code, length};
 }
 
@@ -51,22 +57,15 @@ struct Range {
     char32_t last;
 };
 
-// The blocks above ASCII that hold no letters: Latin-1 signs, punctuation, symbols, emoji. What
-// lies outside them counts as a letter, so an unknown script never turns into a known word.
-constexpr std::array<Range, 14> nonLetters{{{0x80, 0xA9},
-                                            {0xAB, 0xB4},
-                                            {0xB6, 0xB9},
-                                            {0xBB, 0xBF},
-                                            {0xD7, 0xD7},
-                                            {0xF7, 0xF7},
-                                            {0x300, 0x36F},
-                                            {0x2000, 0x2070},
-                                            {0x2080, 0x208F},
-                                            {0x20A0, 0x20FF},
-                                            {0x2190, 0x2BFF},
-                                            {0x3000, 0x3004},
-                                            {0xFE00, 0xFE6F},
-                                            {0x1F000, 0x1FAFF}}};
+// Where above ASCII the signs, digits, spaces and pictures are that people type. What lies
+// elsewhere counts as a letter, an accent on a letter too, so no foreign word ever turns into a
+// known one.
+constexpr std::array<Range, 21> nonLetters{
+    {{0x80, 0xA9},      {0xAB, 0xB4},     {0xB6, 0xB9},     {0xBB, 0xBF},     {0xD7, 0xD7},
+     {0xF7, 0xF7},      {0x660, 0x66D},   {0x6F0, 0x6F9},   {0x966, 0x96F},   {0x2000, 0x2070},
+     {0x2080, 0x208F},  {0x20A0, 0x20FF}, {0x2190, 0x2BFF}, {0x2E00, 0x2E2E}, {0x3000, 0x3004},
+     {0x3007, 0x3020},  {0xFE00, 0xFE6F}, {0xFF01, 0xFF20}, {0xFF3B, 0xFF40}, {0xFF5B, 0xFF65},
+     {0x1F000, 0x1FAFF}}};
 
 bool isLetter(char32_t c) {
     if (c < 0x80) return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
