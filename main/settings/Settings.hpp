@@ -32,8 +32,8 @@ inline constexpr std::string_view tuckEdge = "TuckEdge";
 inline constexpr std::string_view tuckAuto = "TuckAuto";
 }  // namespace Keys
 
-/// Milliseconds in 0…60000 from a stored value of any kind; 300 for what is no whole number.
-/// Booleans are never numbers.
+/// Milliseconds in 0…60000 from a stored value of any kind: a number without its fraction, or a
+/// text that is a whole number; 300 for everything else. Booleans are never numbers.
 int hotZoneDwellMilliseconds(const std::optional<Value>& from);
 
 /// The one gateway to the preferences. A small value over a store that must outlive it; every
@@ -54,9 +54,10 @@ struct Settings {
     int hotZoneDwellMs() const;
     std::optional<std::string> tuckAnimation() const;
 
-    /// A text that says yes, or a number that is not 0; false for everything else.
+    /// A boolean itself, a number that is not 0, or "YES", "true" or "1" in any case; false for
+    /// everything else.
     bool boolForKey(std::string_view key) const;
-    /// Texts, and numbers as their text.
+    /// Texts, and numbers as their text; a boolean is the number 1 or 0.
     std::optional<std::string> textForKey(std::string_view key) const;
 
     /// False when the store refused.

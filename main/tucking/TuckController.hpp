@@ -87,15 +87,29 @@ private:
             expectedOrigin;  ///< AX space; where our last move left it; absent during one
     };
 
+    struct PlacedEdge {
+        std::optional<TuckEdge> edge;
+        std::string_view whyNot;  ///< for the log, where there is no edge
+    };
+
     std::optional<RunningApplication> runningApp(const std::string& appPath) const;
+    void activate(const std::string& appPath);
     void tuckOrUntuck(AXWindow window, const std::string& appPath);
+    PlacedEdge placedEdge(const std::string& appPath, const Rect& displayCocoa) const;
     void tuck(AXWindow window, const std::string& appPath, TuckEdge edge, const Rect& frameAX,
               const Rect& screenCocoa);
+    /// From tucked to revealed or back; false when the window is not in the other of the two, or
+    /// cannot be read.
+    bool moveBetweenPositions(AXWindow window, bool revealed);
     void moveTracked(AXWindow window, Point from, Point to,
                      std::optional<TuckAnimationStyle> style);
     /// Hides the application or shows it again; returns whether it is hidden now.
     bool toggleHidden(const RunningApplication& application, const std::string& appPath);
+    void toggleBottomTuck(const RunningApplication& application, const std::string& appPath);
+    void hideInstead(const std::string& appPath, std::string_view reason);
+    /// Hides the application unless it is hidden; returns whether it did.
     bool autoHide(std::int32_t pid, const std::string& appPath);
+    void autoBottomTuck(std::int32_t pid, const std::string& appPath);
 
     std::vector<Rect> screenFramesCocoa() const;
     double primaryScreenMaxY() const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -52,3 +53,10 @@ bool tuckEdgeIsShared(TuckEdge edge, const Rect& screenCocoa,
                       const std::vector<Rect>& allScreensCocoa);
 
 }  // namespace quorvel
+
+template <>
+struct std::hash<quorvel::TuckEdge> {
+    std::size_t operator()(quorvel::TuckEdge edge) const noexcept {
+        return std::hash<quorvel::TuckEdge::Case>{}(edge);
+    }
+};

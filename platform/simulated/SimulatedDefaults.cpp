@@ -1,0 +1,58 @@
+#include "platform/simulated/SimulatedDefaults.hpp"
+
+#include "platform/Text.hpp"
+
+namespace quorvel {
+namespace {
+
+std::optional<Value> found(const Value::Dictionary& in, std::string_view key) {
+    const auto at = in.find(std::string(key));
+    if (at == in.end()) return std::nullopt;
+    return at->second;
+}
+
+bool isDomainName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+std::optional<Value> SimulatedDefaults::object(std::string_view key) const {
+    if (unreadable) return std::nullopt;
+    return found(values, key);
+}
+
+bool SimulatedDefaults::setObject(std::string_view key, const Value& value) {
+    if (!canSave(key)) return false;
+    values.insert_or_assign(std::string(key), value);
+    ++writeCount;
+    return true;
+}
+
+bool SimulatedDefaults::removeObject(std::string_view key) {
+    if (!unreadable && !found(values, key)) return true;
+    if (!canSave(key)) return false;
+    values.erase(std::string(key));
+    ++writeCount;
+    return true;
+}
+
+Value::Dictionary SimulatedDefaults::persistentDomain(std::string_view domain) const {
+    if (!isDomainName(domain)) return {};
+    if (domain == domainName) return unreadable ? Value::Dictionary{} : values;
+    const auto at = otherDomains.find(std::string(domain));
+    return at == otherDomains.end() ? Value::Dictionary{} : at->second;
+}
+
+std::optional<Value> SimulatedDefaults::preset(std::string_view key) const {
+    return found(presets, key);
+}
+
+bool SimulatedDefaults::canSave(std::string_view key) {
+    if (!failsToSave && !unreadable && !keysThatFailToSave.contains(key)) return true;
+    log.line(formatted("Quorvel: could not save %@ — %@", key, "No space left on device"));
+    return false;
+}
+
+}  // namespace quorvel

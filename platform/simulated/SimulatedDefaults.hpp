@@ -1,0 +1,45 @@
+#pragma once
+
+#include <set>
+
+#include "platform/Defaults.hpp"
+#include "platform/Log.hpp"
+
+namespace quorvel {
+
+/// Preferences in memory. A test plays the other programs and the administrator by changing the
+/// fields at any time.
+class SimulatedDefaults final : public Defaults {
+public:
+    explicit SimulatedDefaults(Log& log) : log(log) {}
+
+    /// This program's own domain.
+    std::string domainName = "com.tessivane.quorvel";
+    Value::Dictionary values;
+
+    /// Those of other programs, by name.
+    std::map<std::string, Value::Dictionary> otherDomains;
+    Value::Dictionary presets;
+
+    // Faults: both fail every write, the second for these keys only.
+    bool failsToSave = false;
+    std::set<std::string, std::less<>> keysThatFailToSave;
+    /// What is stored cannot be read; writing would lose the other keys, so that fails too.
+    bool unreadable = false;
+
+    /// Writes that reached the store.
+    int writeCount = 0;
+
+    std::optional<Value> object(std::string_view key) const override;
+    bool setObject(std::string_view key, const Value& value) override;
+    bool removeObject(std::string_view key) override;
+    Value::Dictionary persistentDomain(std::string_view domain) const override;
+    std::optional<Value> preset(std::string_view key) const override;
+
+private:
+    bool canSave(std::string_view key);
+
+    Log& log;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,43 @@
+#include "platform/simulated/SimulatedScreens.hpp"
+
+#include <array>
+#include <cstdio>
+
+namespace quorvel {
+
+SimulatedScreens::SimulatedScreens(RunLoop& runLoop)
+    : runLoop(runLoop), attached{screen(1, {0, 0, 1440, 900}, true)}, reported(attached) {}
+
+void SimulatedScreens::arrange(std::vector<Screen> arrangement) {
+    attached = std::move(arrangement);
+    ++arrangements;
+    runLoop.after(settlingTime, [this, arrangement = arrangements] {
+        if (arrangement == arrangements) report();
+    });
+}
+
+Screen SimulatedScreens::screen(std::uint32_t number, const Rect& frameCocoa, bool isBuiltin) {
+    std::array<char, 37> uuid{};
+    std::snprintf(uuid.data(), uuid.size(), "0A1B2C3D-4E5F-5678-9ABC-0000%08X", number);
+    return {number, std::string(uuid.data()), "Display " + std::to_string(number), frameCocoa,
+            isBuiltin};
+}
+
+double SimulatedScreens::primaryScreenMaxY() const {
+    for (const Screen& screen : attached) {
+        if (screen.frameCocoa.origin() == Point{}) return screen.frameCocoa.maxY();
+    }
+    return attached.empty() ? 0 : attached.front().frameCocoa.maxY();
+}
+
+Subscription SimulatedScreens::onChange(std::function<void()> handler) {
+    return handlers.add(std::move(handler));
+}
+
+void SimulatedScreens::report() {
+    if (attached == reported) return;
+    reported = attached;
+    handlers.notify();
+}
+
+}  // namespace quorvel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/RunLoop.hpp"
+#include "platform/Screens.hpp"
+
+namespace quorvel {
+
+/// The displays. At the start there is one of 1440 × 900.
+class SimulatedScreens final : public Screens {
+public:
+    /// What a display event is held back for, in case more follow.
+    static constexpr RunLoop::Duration settlingTime = std::chrono::milliseconds(100);
+
+    explicit SimulatedScreens(RunLoop& runLoop);
+
+    /// The new arrangement holds at once; it is reported when no further one came for a while,
+    /// and only if it differs from the one reported last. An empty list unplugs everything.
+    void arrange(std::vector<Screen> arrangement);
+
+    /// A display with all that can be named, made from its frame.
+    static Screen screen(std::uint32_t number, const Rect& frameCocoa, bool isBuiltin = false);
+
+    /// Where AX space begins: the upper edge of the primary display, 0 without displays.
+    double primaryScreenMaxY() const;
+
+    std::vector<Screen> screens() const override { return attached; }
+    [[nodiscard]] Subscription onChange(std::function<void()> handler) override;
+
+private:
+    void report();
+
+    RunLoop& runLoop;
+    std::vector<Screen> attached;
+    std::vector<Screen> reported;
+    std::uint64_t arrangements = 0;
+    Subscribers<> handlers;
+};
+
+}  // namespace quorvel

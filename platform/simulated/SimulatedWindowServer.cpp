@@ -1,0 +1,161 @@
+#include "platform/simulated/SimulatedWindowServer.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace quorvel {
+
+WindowElement SimulatedWindowServer::open(Opening opening) {
+    SimulatedWindow window;
+    window.element = nextElement++;
+    window.bundlePath = std::move(opening.bundlePath);
+    window.processIdentifier = opening.processIdentifier;
+    if (window.processIdentifier == 0 && window.bundlePath) {
+        const auto others = windowsOf(window.bundlePath, 0);
+        if (!others.empty()) window.processIdentifier = others.front()->processIdentifier;
+    }
+    if (window.processIdentifier == 0) window.processIdentifier = newProcessIdentifier();
+    window.frameAX = opening.frameAX;
+    window.transientFor = opening.transientFor;
+    window.isModal = opening.isModal;
+    window.stacking = moment++;
+    windows.push_back(window);
+    if (opening.activates) activate(window.element);
+    return window.element;
+}
+
+void SimulatedWindowServer::close(WindowElement window) {
+    if (std::erase_if(windows, [&](const auto& other) { return other.element == window; }) == 0) {
+        return;
+    }
+    if (activeWindow == window) activateNext();
+}
+
+void SimulatedWindowServer::kill(std::int32_t processIdentifier) {
+    const bool wasActive =
+        activeWindow && window(*activeWindow).processIdentifier == processIdentifier;
+    std::erase_if(windows,
+                  [&](const auto& other) { return other.processIdentifier == processIdentifier; });
+    if (wasActive) activateNext();
+}
+
+void SimulatedWindowServer::quit(const std::string& bundlePath) {
+    const bool wasActive = activeWindow && window(*activeWindow).bundlePath == bundlePath;
+    std::erase_if(windows, [&](const auto& other) { return other.bundlePath == bundlePath; });
+    if (wasActive) activateNext();
+}
+
+void SimulatedWindowServer::activate(WindowElement window) {
+    SimulatedWindow* found = find(window);
+    if (!found) return;
+    found->isIconic = false;
+    found->stacking = moment++;
+    // A modal dialog takes the keyboard from the window that it belongs to.
+    for (SimulatedWindow& other : windows) {
+        if (other.isModal && other.transientFor == window) {
+            activate(other.element);
+            return;
+        }
+    }
+    found->lastActive = moment++;
+    setActive(window);
+}
+
+void SimulatedWindowServer::deactivateAll() {
+    setActive(std::nullopt);
+}
+
+void SimulatedWindowServer::iconify(WindowElement window) {
+    SimulatedWindow* found = find(window);
+    if (!found || found->isIconic) return;
+    found->isIconic = true;
+    if (activeWindow == window) activateNext();
+}
+
+void SimulatedWindowServer::deiconify(WindowElement window) {
+    if (SimulatedWindow* found = find(window)) found->isIconic = false;
+}
+
+void SimulatedWindowServer::drag(WindowElement window, Point originAX) {
+    if (SimulatedWindow* found = find(window)) {
+        found->frameAX.x = originAX.x;
+        found->frameAX.y = originAX.y;
+    }
+}
+
+void SimulatedWindowServer::resize(WindowElement window, Size size) {
+    if (SimulatedWindow* found = find(window)) {
+        found->frameAX.width = size.width;
+        found->frameAX.height = size.height;
+    }
+}
+
+void SimulatedWindowServer::raise(WindowElement window) {
+    if (SimulatedWindow* found = find(window)) found->stacking = moment++;
+}
+
+SimulatedWindow* SimulatedWindowServer::find(WindowElement window) {
+    const auto at = std::find_if(windows.begin(), windows.end(),
+                                 [&](const auto& other) { return other.element == window; });
+    return at == windows.end() ? nullptr : &*at;
+}
+
+const SimulatedWindow* SimulatedWindowServer::find(WindowElement window) const {
+    const auto at = std::find_if(windows.begin(), windows.end(),
+                                 [&](const auto& other) { return other.element == window; });
+    return at == windows.end() ? nullptr : &*at;
+}
+
+SimulatedWindow& SimulatedWindowServer::window(WindowElement window) {
+    SimulatedWindow* found = find(window);
+    if (!found) throw std::out_of_range("no window " + std::to_string(window));
+    return *found;
+}
+
+std::vector<const SimulatedWindow*> SimulatedWindowServer::stacked() const {
+    auto result = all();
+    std::sort(result.begin(), result.end(),
+              [](const auto* a, const auto* b) { return a->stacking > b->stacking; });
+    return result;
+}
+
+std::vector<SimulatedWindow*> SimulatedWindowServer::all() {
+    std::vector<SimulatedWindow*> result;
+    for (SimulatedWindow& window : windows) result.push_back(&window);
+    return result;
+}
+
+std::vector<const SimulatedWindow*> SimulatedWindowServer::all() const {
+    std::vector<const SimulatedWindow*> result;
+    for (const SimulatedWindow& window : windows) result.push_back(&window);
+    return result;
+}
+
+std::vector<SimulatedWindow*> SimulatedWindowServer::windowsOf(
+    const std::optional<std::string>& bundlePath, std::int32_t processIdentifier) {
+    std::vector<SimulatedWindow*> result;
+    for (SimulatedWindow& window : windows) {
+        if (window.bundlePath != bundlePath) continue;
+        if (!bundlePath && window.processIdentifier != processIdentifier) continue;
+        result.push_back(&window);
+    }
+    return result;
+}
+
+void SimulatedWindowServer::setActive(std::optional<WindowElement> window) {
+    if (activeWindow == window) return;
+    activeWindow = window;
+    if (activeChanged) activeChanged();
+}
+
+/// Window managers hand the keyboard to the window that had it before.
+void SimulatedWindowServer::activateNext() {
+    const SimulatedWindow* next = mostRecent(all(), false);
+    if (next) {
+        activate(next->element);
+    } else {
+        setActive(std::nullopt);
+    }
+}
+
+}  // namespace quorvel
