@@ -8,7 +8,8 @@
 namespace quorvel::native {
 namespace {
 
-using Json = nlohmann::json;
+// Records keep the order of their fields.
+using Json = nlohmann::ordered_json;
 
 std::optional<Value> fromJson(const Json& json) {
     switch (json.type()) {
@@ -37,7 +38,7 @@ std::optional<Value> fromJson(const Json& json) {
         case Json::value_t::object: {
             Value::Dictionary dictionary;
             for (const auto& [key, item] : json.items()) {
-                if (auto value = fromJson(item)) dictionary.emplace(key, std::move(*value));
+                if (auto value = fromJson(item)) dictionary.append(key, std::move(*value));
             }
             return Value(std::move(dictionary));
         }
