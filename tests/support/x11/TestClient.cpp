@@ -53,6 +53,9 @@ xcb_window_t TestClient::open(const TestWindow& window) {
         client.setProperty32(last, "_NET_WM_WINDOW_TYPE", "ATOM",
                              {client.atom("_NET_WM_WINDOW_TYPE_" + window.type)});
     }
+    if (window.isModal) {
+        client.setProperty32(last, "_NET_WM_STATE", "ATOM", {client.atom("_NET_WM_STATE_MODAL")});
+    }
     if (!window.desktopFile.empty()) {
         client.setPropertyText(last, "_KDE_NET_WM_DESKTOP_FILE", "UTF8_STRING", window.desktopFile);
     }

@@ -15,7 +15,8 @@ struct TestWindow {
     std::uint32_t pid = 0;  ///< _NET_WM_PID; 0 leaves it out
     bool overrideRedirect = false;
     bool fixedSize = false;
-    bool takesKeyboard = true;       ///< the input field of WM_HINTS
+    bool takesKeyboard = true;  ///< the input field of WM_HINTS
+    bool isModal = false;
     xcb_window_t transientFor = 0;   ///< 0 for none
     std::string type{};              ///< "DIALOG", "DOCK", …; empty for none
     std::string desktopFile{};       ///< _KDE_NET_WM_DESKTOP_FILE; empty for none

@@ -7,7 +7,7 @@ namespace quorvel::test {
 
 XClient::XClient(const std::string& displayName) {
     int number = 0;
-    connection = xcb_connect(displayName.c_str(), &number);
+    connection = xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &number);
     if (xcb_connection_has_error(connection) != 0) {
         xcb_disconnect(connection);
         throw std::runtime_error("no X server at " + displayName);

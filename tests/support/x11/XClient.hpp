@@ -26,6 +26,7 @@ using XReply = std::unique_ptr<T, FreeReply>;
 /// measures must not share the mistakes of what is measured.
 class XClient {
 public:
+    /// An empty name means $DISPLAY.
     explicit XClient(const std::string& displayName);
     ~XClient();
     XClient(const XClient&) = delete;

@@ -100,11 +100,26 @@ ChildProcess XSession::startAndWaitForWindow(std::vector<std::string> arguments,
 
 xcb_window_t XSession::open(TestClient& client, const TestWindow& window) const {
     const xcb_window_t opened = client.open(window);
+    if (window.overrideRedirect) {
+        client.connection().sync();
+    } else {
+        waitUntilShown(opened);
+    }
+    return opened;
+}
+
+void XSession::waitUntilShown(xcb_window_t window) const {
+    constexpr int quietLooks = 15;  // two milliseconds apart
+    std::optional<Rect> last;
+    int looks = 0;
     const bool shown = waitUntil([&] {
-        return eye->isViewable(opened) && (window.overrideRedirect || eye->isManaged(opened));
+        if (!eye->isViewable(window) || !eye->isManaged(window)) return false;
+        const std::optional<Rect> now = eye->visibleFrame(window);
+        looks = now && now == last ? looks + 1 : 0;
+        last = now;
+        return looks >= quietLooks;
     });
     if (!shown) throw std::runtime_error("the window manager does not show the window");
-    return opened;
 }
 
 // What was launched by others, by the code under test or by the bus, is in no group of ours.

@@ -56,9 +56,11 @@ public:
                                        const std::string& windowClass, xcb_window_t& window,
                                        const Environment& extra = {}) const;
 
-    /// Opens a window of this process and waits until it is managed and shown. Throws when it is
-    /// not.
+    /// Opens a window of this process and waits until it is shown.
     xcb_window_t open(TestClient& client, const TestWindow& window) const;
+    /// Until the window is managed and shown, and its frame has stood still for a moment: several
+    /// window managers place a new window in more than one step. Throws when it never is.
+    void waitUntilShown(xcb_window_t window) const;
 
 private:
     void endStrays() const;
