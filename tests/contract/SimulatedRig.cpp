@@ -20,7 +20,7 @@ class SimulatedRig final : public Rig {
 public:
     SimulatedRig() {
         arrange({{0, 0, 1280, 800}});
-        simulated.settle();
+        simulated.advance(1s);
     }
 
     Desktop desktop() override { return simulated.desktop(); }
@@ -41,9 +41,9 @@ public:
         for (std::uint32_t socket = 0; socket < displaysAX.size(); ++socket) {
             const Rect& frameAX = displaysAX[socket];
             if (frameAX.isEmpty()) continue;
-            const double primaryMaxY = displaysAX[0].isEmpty() ? frameAX.maxY() : displaysAX[0].height;
-            screens.push_back(
-                SimulatedScreens::screen(socket + 1, flipped(frameAX, primaryMaxY)));
+            const double primaryMaxY =
+                displaysAX[0].isEmpty() ? frameAX.maxY() : displaysAX[0].height;
+            screens.push_back(SimulatedScreens::screen(socket + 1, flipped(frameAX, primaryMaxY)));
         }
         simulated.screens.arrange(screens);
     }
@@ -102,9 +102,7 @@ public:
     std::int32_t processIdentifier(const std::string& path) override {
         return simulated.server.windowsOf(path, 0).at(0)->processIdentifier;
     }
-    void kill(const std::string& path) override {
-        simulated.server.kill(processIdentifier(path));
-    }
+    void kill(const std::string& path) override { simulated.server.kill(processIdentifier(path)); }
     void suspend(const std::string& path) override {
         setResponseTime(path, WindowFaults::neverResponds);
     }
@@ -129,10 +127,10 @@ public:
 
     void writeOtherDomain(const std::string& domain, const std::string& key,
                           const std::string& text) override {
-        simulated.defaults.otherDomains[domain][key] = text;
+        simulated.defaults.otherDomains[domain].insert_or_assign(key, text);
     }
     void writePreset(const std::string& key, const std::string& text) override {
-        simulated.defaults.presets[key] = text;
+        simulated.defaults.presets.insert_or_assign(key, text);
     }
 
 private:
