@@ -53,6 +53,9 @@ public:
     void request(const WindowReading& now, Point target,
                  std::optional<Size> clientSize = std::nullopt);
 
+    /// Whether it would move that window without asking the window manager.
+    bool canMovePastManager(const WindowReading& now) { return movesPastIt(remember(now)); }
+
 private:
     enum class Method { moveResize, configure };
 

@@ -18,6 +18,32 @@ std::uint32_t length(double value) {
     return static_cast<std::uint32_t>(std::lround(fitting));
 }
 
+std::uint8_t configurePast(const XConnection& x, xcb_window_t frame, bool isOverrideRedirect,
+                           std::uint16_t mask, const std::array<std::uint32_t, 2>& values) {
+    xcb_connection_t* const connection = x.xcb();
+    if (isOverrideRedirect) {
+        return x.check(xcb_configure_window_checked(connection, frame, mask, values.data()));
+    }
+    // Nobody may see the attribute changed, and it must not stay so if we end in between: the
+    // server carries out what one write brings it while we hold it.
+    const std::uint32_t on = 1;
+    const std::uint32_t off = 0;
+    x.flush();
+    xcb_grab_server(connection);
+    const auto set =
+        xcb_change_window_attributes_checked(connection, frame, XCB_CW_OVERRIDE_REDIRECT, &on);
+    const auto configure = xcb_configure_window_checked(connection, frame, mask, values.data());
+    const auto reset =
+        xcb_change_window_attributes_checked(connection, frame, XCB_CW_OVERRIDE_REDIRECT, &off);
+    xcb_ungrab_server(connection);
+    // The last one first, so that the three answers take one round trip.
+    const std::uint8_t resetError = x.check(reset);
+    const std::uint8_t configureError = x.check(configure);
+    const std::uint8_t setError = x.check(set);
+    if (configureError != 0) return configureError;
+    return setError != 0 ? setError : resetError;
+}
+
 }  // namespace
 
 void sendMoveResize(const XConnection& x, xcb_window_t client, Point corner,
@@ -51,30 +77,16 @@ void sendConfigure(const XConnection& x, xcb_window_t client, Point corner,
 
 std::uint8_t overrideFrame(const XConnection& x, xcb_window_t frame, bool isOverrideRedirect,
                            Point outerCorner) {
-    xcb_connection_t* const connection = x.xcb();
     const std::array<std::uint32_t, 2> corner{coordinate(outerCorner.x), coordinate(outerCorner.y)};
-    constexpr std::uint16_t both = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y;
-    if (isOverrideRedirect) {
-        return x.check(xcb_configure_window_checked(connection, frame, both, corner.data()));
-    }
-    // Nobody may see the attribute changed, and it must not stay so if we end in between: the
-    // server carries out what one write brings it while we hold it.
-    const std::uint32_t on = 1;
-    const std::uint32_t off = 0;
-    x.flush();
-    xcb_grab_server(connection);
-    const auto set =
-        xcb_change_window_attributes_checked(connection, frame, XCB_CW_OVERRIDE_REDIRECT, &on);
-    const auto move = xcb_configure_window_checked(connection, frame, both, corner.data());
-    const auto reset =
-        xcb_change_window_attributes_checked(connection, frame, XCB_CW_OVERRIDE_REDIRECT, &off);
-    xcb_ungrab_server(connection);
-    // The last one first, so that the three answers take one round trip.
-    const std::uint8_t errors[]{x.check(reset), x.check(move), x.check(set)};
-    for (const std::uint8_t error : {errors[1], errors[2], errors[0]}) {
-        if (error != 0) return error;
-    }
-    return 0;
+    return configurePast(x, frame, isOverrideRedirect, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                         corner);
+}
+
+std::uint8_t overrideStacking(const XConnection& x, xcb_window_t frame, bool isOverrideRedirect,
+                              xcb_window_t below) {
+    return configurePast(x, frame, isOverrideRedirect,
+                         XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
+                         {below, XCB_STACK_MODE_ABOVE});
 }
 
 }  // namespace quorvel::native

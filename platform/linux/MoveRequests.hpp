@@ -26,4 +26,8 @@ void sendConfigure(const XConnection& x, xcb_window_t client, Point corner,
 std::uint8_t overrideFrame(const XConnection& x, xcb_window_t frame, bool isOverrideRedirect,
                            Point outerCorner);
 
+/// Puts a child of the root right above another one, past the window manager in the same way.
+std::uint8_t overrideStacking(const XConnection& x, xcb_window_t frame, bool isOverrideRedirect,
+                              xcb_window_t below);
+
 }  // namespace quorvel::native

@@ -12,11 +12,12 @@ struct Known {
 constexpr bool heeds = true;
 constexpr bool paints = true;
 constexpr bool floats = true;
+constexpr bool raises = true;
 
 // The longer of two names with a common start comes first.
 constexpr Known table[]{
     {"Openbox", {heeds, OffScreenMoves::clamped, paints, floats}},
-    {"Xfwm4", {heeds, OffScreenMoves::clamped, paints, floats}},
+    {"Xfwm4", {heeds, OffScreenMoves::clamped, paints, floats, !raises}},
     {"Metacity (Marco)", {heeds, OffScreenMoves::clamped, paints, floats}},
     {"Metacity", {heeds, OffScreenMoves::clamped, paints, floats}, !paints},
     {"Mutter", {heeds, OffScreenMoves::clamped, !paints, floats}},
@@ -26,7 +27,7 @@ constexpr Known table[]{
     // Each message makes the window higher by its title bar.
     {"Fluxbox", {!heeds, OffScreenMoves::carriedOut, paints, floats}},
     {"JWM", {heeds, OffScreenMoves::carriedOut, paints, floats}},
-    {"i3", {heeds, OffScreenMoves::carriedOut, paints, !floats}},
+    {"i3", {heeds, OffScreenMoves::carriedOut, paints, !floats, !raises}},
     {"awesome", {!heeds, OffScreenMoves::carriedOut, paints, !floats}},
     {"bspwm", {!heeds, OffScreenMoves::carriedOut, paints, !floats}},
 };

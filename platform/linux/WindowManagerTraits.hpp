@@ -20,6 +20,9 @@ struct WindowManagerTraits {
     /// It floats every window: when one stays where it is, it was kept there by a border.
     bool neverRefuses = false;
 
+    /// A request to raise a window raises it, and gives it no keyboard.
+    bool raisesOnRequest = true;
+
     bool operator==(const WindowManagerTraits&) const = default;
 };
 

@@ -18,14 +18,14 @@ constexpr auto callLimit = std::chrono::milliseconds(235);
 X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
                                  WindowManagerInfo& manager, FocusedWindowSource& focus,
                                  DisplaysInRoot displaysInRoot)
-    : x(x),
-      elements(elements),
+    : elements(elements),
       manager(manager),
       focus(focus),
       displaysInRoot(std::move(displaysInRoot)),
       frames(x),
       ladder(x, frames, manager),
-      states(x, frames, ladder) {}
+      states(x, frames, ladder),
+      raiser(x, frames, manager) {}
 
 FocusedWindowReading X11WindowAccess::focusedWindow(std::int32_t processIdentifier,
                                                     const std::string& bundlePath) {
@@ -59,7 +59,9 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
     const auto question = manager.ask();
     auto now = read(window);
     manager.update(question);
-    if (now && now->states.any()) now = freed(*now, hold, deadline);
+    if (now && now->states.any() && !(hold && hold->keepsStates)) {
+        now = freed(*now, hold, deadline);
+    }
     if (!now) {
         if (held != holds.end()) holds.erase(held);
         return refused;
@@ -93,25 +95,26 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
 std::optional<WindowReading> X11WindowAccess::freed(const WindowReading& now, Hold* hold,
                                                     Clock::time_point deadline) {
     const auto given = states.leave(now, deadline);
-    if (given && hold) hold->given = given;
-    return frames.read(now.client);
+    const auto after = frames.read(now.client);
+    if (!given || !hold || !after) return after;
+    const bool hasShrunk =
+        after->seen.width < now.seen.width || after->seen.height < now.seen.height;
+    if (hasShrunk && ladder.canMovePastManager(*after)) {
+        // Its owner and the window manager agree on a smaller size only, and of a window that is
+        // smaller than it was thought to be no sliver may be left.
+        states.restore(*after, *given, deadline);
+        hold->keepsStates = true;
+        return frames.read(now.client);
+    }
+    hold->given = given;
+    return after;
 }
 
 void X11WindowAccess::raise(AXWindow window) {
     const auto client = elements.windowOf(window.element);
     if (!client) return;
     manager.update(manager.ask());
-    if (manager.supports("_NET_RESTACK_WINDOW")) {
-        constexpr std::uint32_t fromPager = 2;
-        x.sendToRoot(*client, "_NET_RESTACK_WINDOW",
-                     {fromPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE, 0, 0});
-        return;
-    }
-    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    const auto cookie =
-        xcb_configure_window_checked(x.xcb(), *client, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    xcb_discard_reply(x.xcb(), cookie.sequence);
-    x.flush();
+    raiser.raise(*client);
 }
 
 void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
@@ -119,6 +122,7 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     Hold& hold = holds[window];
     hold.originalFrameAX = originalFrameAX;
     hold.comesHome = false;
+    hold.keepsStates = false;
     // Here already, so that the first frame of the slide is not late.
     const auto now = read(window);
     if (now && now->states.any()) freed(*now, &hold, deadline);

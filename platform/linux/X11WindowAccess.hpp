@@ -12,6 +12,7 @@
 #include "platform/linux/MoveLadder.hpp"
 #include "platform/linux/WindowElements.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
+#include "platform/linux/WindowRaiser.hpp"
 #include "platform/linux/XConnection.hpp"
 
 namespace quorvel::native {
@@ -39,7 +40,8 @@ private:
     struct Hold {
         Rect originalFrameAX;  ///< what a note on the window itself would say
         std::optional<GivenUpStates> given;
-        bool comesHome = false;  ///< the next final step is the last one
+        bool keepsStates = false;  ///< it is moved past the window manager with its states
+        bool comesHome = false;    ///< the next final step is the last one
     };
 
     std::optional<WindowReading> read(AXWindow window);
@@ -49,7 +51,6 @@ private:
     std::optional<WindowReading> freed(const WindowReading& now, Hold* hold,
                                        Clock::time_point deadline);
 
-    XConnection& x;
     WindowElements& elements;
     WindowManagerInfo& manager;
     FocusedWindowSource& focus;
@@ -57,6 +58,7 @@ private:
     FrameReader frames;
     MoveLadder ladder;
     FillingStateKeeper states;
+    WindowRaiser raiser;
     Point lastAxOrigin;
     std::unordered_map<AXWindow, Hold> holds;
 };

@@ -28,6 +28,7 @@ public:
 
     WindowManagerKind kind() const { return managerKind; }
     bool isRunning() const { return process.isRunning(); }
+    void signal(int number) const { process.signal(number); }
     /// Ends it at once; its windows stay.
     void kill() { process.end(); }
 
