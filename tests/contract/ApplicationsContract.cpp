@@ -74,12 +74,6 @@ TEST_P(ApplicationsContract, SeveralWindowsAreOneApplication) {
     EXPECT_TRUE(rig->never([&] { return applications.runningApplications().size() != 2; }, 100ms));
 }
 
-TEST_P(ApplicationsContract, IconicApplicationRuns) {
-    const Rig::Window window = rig->openWindow(notes, left);
-    rig->iconify(window);
-    EXPECT_TRUE(rig->never([&] { return !running(notes); }, 100ms));
-}
-
 TEST_P(ApplicationsContract, ApplicationWithoutWindowsDoesNotRun) {
     const Rig::Window window = rig->openWindow(notes, left);
     const std::int32_t pid = awaited(notes).processIdentifier;
@@ -139,31 +133,6 @@ TEST_P(ApplicationsContract, UnhidingShowsWhatHidingHid) {
     EXPECT_TRUE(rig->until([&] { return !applications.isHidden(application); }));
     EXPECT_TRUE(rig->until([&] { return rig->seenFrameAX(first) == firstFrame; }));
     EXPECT_TRUE(rig->until([&] { return rig->seenFrameAX(second) == secondFrame; }));
-}
-
-TEST_P(ApplicationsContract, UnhidingLeavesWhatTheUserHadIconified) {
-    const Rig::Window kept = rig->openWindow(notes, left);
-    const Rig::Window shown = rig->openWindow(notes, right);
-    rig->iconify(kept);
-    const RunningApplication application = awaited(notes);
-    ASSERT_TRUE(rig->never([&] { return applications.isHidden(application); }, 100ms));
-    applications.hide(application);
-    ASSERT_TRUE(rig->until([&] { return !rig->isShown(shown); }));
-    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
-    applications.unhide(application);
-    EXPECT_TRUE(rig->until([&] { return rig->isShown(shown); }));
-    EXPECT_TRUE(rig->never([&] { return rig->isShown(kept); }, 200ms));
-}
-
-TEST_P(ApplicationsContract, UnhidingShowsAllWhenTheUserHadIconifiedAll) {
-    const Rig::Window first = rig->openWindow(notes, left);
-    const Rig::Window second = rig->openWindow(notes, right);
-    rig->iconify(first);
-    rig->iconify(second);
-    const RunningApplication application = awaited(notes);
-    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
-    applications.unhide(application);
-    EXPECT_TRUE(rig->until([&] { return rig->isShown(first) && rig->isShown(second); }));
 }
 
 TEST_P(ApplicationsContract, UnhidingLeavesTheKeyboardWhereItIs) {
@@ -311,8 +280,44 @@ TEST_P(ApplicationsContract, CallsOnAnApplicationThatIsGoneAreHarmless) {
     EXPECT_TRUE(rig->never([&] { return !rig->isActive(other) || !rig->isShown(other); }, 100ms));
 }
 
+class IconicApplicationsContract : public ApplicationsContract {};
+
+TEST_P(IconicApplicationsContract, IconicApplicationRuns) {
+    const Rig::Window window = rig->openWindow(notes, left);
+    rig->iconify(window);
+    EXPECT_TRUE(rig->never([&] { return !running(notes); }, 100ms));
+}
+
+TEST_P(IconicApplicationsContract, UnhidingLeavesWhatTheUserHadIconified) {
+    const Rig::Window kept = rig->openWindow(notes, left);
+    const Rig::Window shown = rig->openWindow(notes, right);
+    rig->iconify(kept);
+    const RunningApplication application = awaited(notes);
+    ASSERT_TRUE(rig->never([&] { return applications.isHidden(application); }, 100ms));
+    applications.hide(application);
+    ASSERT_TRUE(rig->until([&] { return !rig->isShown(shown); }));
+    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    applications.unhide(application);
+    EXPECT_TRUE(rig->until([&] { return rig->isShown(shown); }));
+    EXPECT_TRUE(rig->never([&] { return rig->isShown(kept); }, 200ms));
+}
+
+TEST_P(IconicApplicationsContract, UnhidingShowsAllWhenTheUserHadIconifiedAll) {
+    const Rig::Window first = rig->openWindow(notes, left);
+    const Rig::Window second = rig->openWindow(notes, right);
+    rig->iconify(first);
+    rig->iconify(second);
+    const RunningApplication application = awaited(notes);
+    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    applications.unhide(application);
+    EXPECT_TRUE(rig->until([&] { return rig->isShown(first) && rig->isShown(second); }));
+}
+
 INSTANTIATE_TEST_SUITE_P(, ApplicationsContract,
                          testing::ValuesIn(windowManagerRigs() + simulatedRig()), rigName);
+
+INSTANTIATE_TEST_SUITE_P(, IconicApplicationsContract,
+                         testing::ValuesIn(iconifyingRigs() + simulatedRig()), rigName);
 
 }  // namespace
 }  // namespace quorvel::test

@@ -84,14 +84,16 @@ public:
     virtual void activate(Window window) = 0;
     virtual void iconify(Window window) = 0;
     virtual void moveTo(Window window, Point originAX) = 0;
-    virtual void maximize(Window window) = 0;
+    /// Maximizes it; makes it fullscreen where windows cannot be maximized.
+    virtual void fillDisplay(Window window) = 0;
 
     // What is to be seen, measured without the code under test.
     virtual std::optional<Rect> seenFrameAX(Window window) = 0;
-    virtual bool isShown(Window window) = 0;  ///< false for an iconic one
+    /// False for an iconic one, and for one that is nowhere on a display.
+    virtual bool isShown(Window window) = 0;
     virtual bool isActive(Window window) = 0;
     virtual bool isInFrontOf(Window front, Window back) = 0;
-    virtual bool isMaximized(Window window) = 0;
+    virtual bool fillsDisplay(Window window) = 0;  ///< by its state, not by its frame
 
     // Files of others ----------------------------------------------------------------------------
 
@@ -116,6 +118,8 @@ RigKind bareRig();
 RigKind hotPlugRig();
 /// One display of 1280 × 800 and a window manager, each of those that the tests know.
 std::vector<RigKind> windowManagerRigs();
+/// Those where a user can iconify a window.
+std::vector<RigKind> iconifyingRigs();
 std::vector<RigKind> operator+(std::vector<RigKind> kinds, const RigKind& more);
 
 }  // namespace quorvel::test

@@ -113,7 +113,7 @@ public:
     void activate(Window window) override { simulated.server.activate(window); }
     void iconify(Window window) override { simulated.server.iconify(window); }
     void moveTo(Window window, Point originAX) override { simulated.server.drag(window, originAX); }
-    void maximize(Window window) override { simulated.server.window(window).isMaximized = true; }
+    void fillDisplay(Window window) override { simulated.server.window(window).isMaximized = true; }
 
     std::optional<Rect> seenFrameAX(Window window) override {
         return simulated.frameAX(AXWindow{window});
@@ -123,7 +123,9 @@ public:
     bool isInFrontOf(Window front, Window back) override {
         return simulated.server.window(front).stacking > simulated.server.window(back).stacking;
     }
-    bool isMaximized(Window window) override { return simulated.server.window(window).isMaximized; }
+    bool fillsDisplay(Window window) override {
+        return simulated.server.window(window).isMaximized;
+    }
 
     void writeOtherDomain(const std::string& domain, const std::string& key,
                           const std::string& text) override {
