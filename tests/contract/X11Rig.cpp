@@ -1,0 +1,328 @@
+#include <glib.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <map>
+#include <stdexcept>
+
+#include "platform/linux/DesktopEntries.hpp"
+#include "platform/linux/GlibRunLoop.hpp"
+#include "platform/linux/JsonDefaults.hpp"
+#include "platform/linux/PosixFiles.hpp"
+#include "platform/linux/StandardErrorLog.hpp"
+#include "platform/linux/WindowManagerInfo.hpp"
+#include "platform/linux/X11Applications.hpp"
+#include "platform/linux/X11HotKeys.hpp"
+#include "platform/linux/X11Pointer.hpp"
+#include "platform/linux/X11Screens.hpp"
+#include "platform/linux/X11WindowAccess.hpp"
+#include "platform/linux/XConnection.hpp"
+#include "platform/linux/XdgApplicationCatalog.hpp"
+#include "platform/linux/XdgFolders.hpp"
+#include "platform/linux/XdgLoginItem.hpp"
+#include "tests/contract/Rig.hpp"
+#include "tests/support/x11/TestApplication.hpp"
+#include "tests/support/x11/XSession.hpp"
+
+namespace quorvel::test {
+namespace {
+
+std::unique_ptr<native::XConnection> connect(const std::string& displayName) {
+    std::string error;
+    auto connection = native::XConnection::open(displayName, error);
+    if (!connection) throw std::runtime_error(error);
+    return connection;
+}
+
+/// The program's own classes, put together as the program does it.
+class NativeDesktop {
+public:
+    explicit NativeDesktop(const std::string& displayName)
+        : connection(connect(displayName)),
+          folders(native::XdgFolders::fromEnvironment(files.homeDirectory())) {}
+
+    Desktop desktop() {
+        return {runLoop, log,          defaults, files,   screens, pointer,
+                hotKeys, applications, catalog,  windows, trust,   loginItem};
+    }
+
+private:
+    /// No test here asks; a real one shows alerts.
+    struct NoTrust final : Trust {
+        bool isTrusted() const override { throw std::logic_error("not in this rig"); }
+        std::string reason() const override { throw std::logic_error("not in this rig"); }
+        bool isTrustedWithPrompt() override { throw std::logic_error("not in this rig"); }
+        bool openSettingsPane() override { throw std::logic_error("not in this rig"); }
+    };
+
+    std::vector<Rect> displaysInRoot() const {
+        std::vector<Rect> result;
+        const Point origin = screens.axOriginInRoot();
+        for (const Screen& screen : screens.screens()) {
+            Rect rect = flipped(screen.frameCocoa, screens.primaryScreenMaxY());
+            rect.x += origin.x;
+            rect.y += origin.y;
+            result.push_back(rect);
+        }
+        return result;
+    }
+
+    native::GlibRunLoop runLoop;
+    std::unique_ptr<native::XConnection> connection;
+    Subscription events = runLoop.attach(*connection);
+    native::StandardErrorLog log;
+    native::PosixFiles files;
+    native::XdgFolders folders;
+    native::JsonDefaults defaults{"com.tessivane.quorvel", folders, log};
+    native::WindowElements elements{*connection};
+    native::WindowManagerInfo manager{*connection};
+    native::X11Screens screens{*connection, runLoop};
+    native::X11Pointer pointer{*connection, screens};
+    native::X11HotKeys hotKeys{*connection, runLoop, log};
+    native::DesktopEntries entries{native::DesktopEntries::standardFolders()};
+    native::XdgApplicationCatalog catalog{entries};
+    native::X11Applications applications{*connection, runLoop, manager, elements, entries};
+    native::X11WindowAccess windows{*connection, elements, manager, applications,
+                                    [this] { return displaysInRoot(); }};
+    NoTrust trust;
+    native::XdgLoginItem loginItem{folders, "/usr/bin/Quorvel"};
+};
+
+class X11Rig final : public Rig {
+public:
+    explicit X11Rig(XSessionOptions options) : session(options) {}
+
+    Desktop desktop() override { return native.desktop(); }
+
+    bool until(const std::function<bool()>& observed, std::chrono::milliseconds limit) override {
+        const auto deadline = std::chrono::steady_clock::now() + limit;
+        // Looks also at what no event of the loop tells.
+        const guint alarm = g_timeout_add(
+            2, [](gpointer) -> gboolean { return true; }, nullptr);
+        bool seen = observed();
+        while (!seen && std::chrono::steady_clock::now() < deadline) {
+            g_main_context_iteration(nullptr, true);
+            seen = observed();
+        }
+        g_source_remove(alarm);
+        return seen;
+    }
+
+    void requestTermination() override { ::kill(getpid(), SIGTERM); }
+
+    void arrange(const std::vector<Rect>& displaysAX) override {
+        std::vector<std::string> options;
+        for (std::size_t socket = 0; socket < displaysAX.size(); ++socket) {
+            const Rect& frame = displaysAX[socket];
+            options.insert(options.end(), {"--output", "DUMMY" + std::to_string(socket)});
+            if (frame.isEmpty()) {
+                options.push_back("--off");
+                continue;
+            }
+            const auto number = [](double value) { return std::to_string(int(value)); };
+            options.insert(options.end(),
+                           {"--mode", number(frame.width) + "x" + number(frame.height), "--pos",
+                            number(frame.x) + "x" + number(frame.y)});
+        }
+        session.server().xrandr(options);
+    }
+
+    void keyDown(const std::string& key, std::uint32_t modifiers) override {
+        for (const auto& [mask, name] : modifierNames) {
+            if ((modifiers & mask) != 0) session.input().press(name);
+        }
+        session.input().press(key);
+    }
+    void keyUp(const std::string& key, std::uint32_t modifiers) override {
+        session.input().release(key);
+        for (const auto& [mask, name] : modifierNames) {
+            if ((modifiers & mask) != 0) session.input().release(name);
+        }
+    }
+    void toggleLock(Lock lock) override {
+        session.input().tap(lock == Lock::capsLock ? "CapsLock" : "NumLock");
+    }
+    void holdElsewhere(const std::string& key, std::uint32_t modifiers) override {
+        for (const std::uint16_t variant : variants(modifiers)) {
+            if (otherClient.grabKey(session.input().keycode(key), variant) != 0) {
+                throw std::runtime_error("the key is taken already");
+            }
+        }
+    }
+    void releaseElsewhere(const std::string& key, std::uint32_t modifiers) override {
+        for (const std::uint16_t variant : variants(modifiers)) {
+            otherClient.ungrabKey(session.input().keycode(key), variant);
+        }
+    }
+
+    void movePointer(Point pointAX) override {
+        session.input().moveTo(int(pointAX.x), int(pointAX.y));
+    }
+    void pressButton(std::uint8_t button) override { session.input().pressButton(button); }
+    void releaseButton(std::uint8_t button) override { session.input().releaseButton(button); }
+
+    std::string install(const std::string& name) override {
+        auto application = std::make_unique<TestApplication>(
+            session, QUORVEL_TEST_APPLICATION, TestApplication::Options{.name = name});
+        const std::string path = application->entry().string();
+        applications[path] = std::move(application);
+        return path;
+    }
+    Window openWindow(const std::string& path, const Rect& wantedFrameAX) override {
+        const Window window = applications.at(path)->open(wantedFrameAX);
+        owners[window] = path;
+        activate(window);
+        return window;
+    }
+    Window openDialog(const std::string& path, Window parent) override {
+        const Window window =
+            applications.at(path)->open({300, 250, 200, 100}, xcb_window_t(parent), true);
+        owners[window] = path;
+        activate(window);
+        return window;
+    }
+    Window launchedWindow(const std::string& path) override {
+        const Window window = applications.at(path)->waitForWindow();
+        owners[window] = path;
+        return window;
+    }
+    void closeWindow(Window window) override {
+        applications.at(owners.at(window))->close(xcb_window_t(window));
+        need(waitUntil([&] { return !probe.isManaged(xcb_window_t(window)); }), "close");
+    }
+    int launches(const std::string& path) override { return applications.at(path)->launches(); }
+    std::int32_t processIdentifier(const std::string& path) override {
+        return applications.at(path)->pid().value();
+    }
+    void kill(const std::string& path) override {
+        applications.at(path)->kill();
+        for (const auto& [window, owner] : owners) {
+            if (owner != path) continue;
+            need(waitUntil([&] { return !probe.isManaged(xcb_window_t(window)); }), "forget");
+        }
+    }
+    void suspend(const std::string& path) override { applications.at(path)->suspend(); }
+    void resume(const std::string& path) override { applications.at(path)->resume(); }
+
+    void activate(Window window) override {
+        probe.activate(xcb_window_t(window));
+        need(waitUntil([&] { return isActive(window); }), "activate");
+        session.waitUntilShown(xcb_window_t(window));
+    }
+    void iconify(Window window) override {
+        probe.iconify(xcb_window_t(window));
+        need(waitUntil([&] { return probe.isIconic(xcb_window_t(window)); }), "iconify");
+    }
+    void moveTo(Window window, Point originAX) override {
+        const std::optional<Rect> before = seenFrameAX(window);
+        probe.requestMove(xcb_window_t(window), int(originAX.x), int(originAX.y));
+        need(waitUntil([&] { return seenFrameAX(window) != before; }), "move");
+        session.waitUntilShown(xcb_window_t(window));
+    }
+    void fillDisplay(Window window) override {
+        const XClient& x = probe.connection();
+        if (session.windowManager()->kind() == WindowManagerKind::i3) {
+            x.sendToRoot(xcb_window_t(window), "_NET_WM_STATE",
+                         {1, x.atom("_NET_WM_STATE_FULLSCREEN"), 0, 2, 0});
+        } else {
+            x.sendToRoot(xcb_window_t(window), "_NET_WM_STATE",
+                         {1, x.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+                          x.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), 2, 0});
+        }
+        need(waitUntil([&] { return fillsDisplay(window); }), "maximize");
+        session.waitUntilShown(xcb_window_t(window));
+    }
+
+    std::optional<Rect> seenFrameAX(Window window) override {
+        return probe.visibleFrame(xcb_window_t(window));
+    }
+    bool isShown(Window window) override {
+        const auto id = xcb_window_t(window);
+        const std::optional<Rect> frame = probe.visibleFrame(id);
+        return probe.isViewable(id) && !probe.isIconic(id) && frame &&
+               frame->intersects({0, 0, 1280, 800});
+    }
+    bool isActive(Window window) override { return probe.activeWindow() == window; }
+    bool isInFrontOf(Window front, Window back) override {
+        return probe.isAbove(xcb_window_t(front), xcb_window_t(back));
+    }
+    bool fillsDisplay(Window window) override {
+        for (const std::string& state : probe.netWmState(xcb_window_t(window))) {
+            if (state == "_NET_WM_STATE_FULLSCREEN" || state == "_NET_WM_STATE_MAXIMIZED_VERT") {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void writeOtherDomain(const std::string& domain, const std::string& key,
+                          const std::string& text) override {
+        session.folder().write("config/" + domain + "/defaults.json", record(key, text));
+    }
+    void writePreset(const std::string& key, const std::string& text) override {
+        session.folder().write("data/quorvel/presets.json", record(key, text));
+    }
+
+private:
+    static constexpr std::pair<std::uint32_t, const char*> modifierNames[] = {
+        {0x1000, "Control"}, {0x800, "Alt"}, {0x200, "Shift"}, {0x100, "Super"}};
+
+    /// With and without Caps Lock and Num Lock, as a hot-key program grabs.
+    static std::vector<std::uint16_t> variants(std::uint32_t modifiers) {
+        unsigned mask = 0;
+        if ((modifiers & 0x1000) != 0) mask |= XCB_MOD_MASK_CONTROL;
+        if ((modifiers & 0x800) != 0) mask |= XCB_MOD_MASK_1;
+        if ((modifiers & 0x200) != 0) mask |= XCB_MOD_MASK_SHIFT;
+        if ((modifiers & 0x100) != 0) mask |= XCB_MOD_MASK_4;
+        std::vector<std::uint16_t> result;
+        for (const unsigned locks : {0U, unsigned{XCB_MOD_MASK_LOCK}, unsigned{XCB_MOD_MASK_2},
+                                     unsigned{XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2}}) {
+            result.push_back(static_cast<std::uint16_t>(mask | locks));
+        }
+        return result;
+    }
+    static std::string record(const std::string& key, const std::string& text) {
+        return "{ \"" + key + "\": \"" + text + "\" }\n";
+    }
+    static void need(bool done, const char* what) {
+        if (!done) throw std::runtime_error(std::string("the desktop does not ") + what);
+    }
+
+    XSession session;
+    const XProbe& probe = session.probe();
+    TestClient otherClient{session.displayName()};
+    std::map<std::string, std::unique_ptr<TestApplication>> applications;
+    std::map<Window, std::string> owners;
+    NativeDesktop native{session.displayName()};
+};
+
+RigKind rigOn(const std::string& name, XSessionOptions options) {
+    return {name, [options] { return std::make_unique<X11Rig>(options); }};
+}
+
+}  // namespace
+
+RigKind bareRig() {
+    return rigOn("bare", {.windowManager = std::nullopt});
+}
+
+RigKind hotPlugRig() {
+    return rigOn("hotplug", {.server = XServerKind::hotPlug, .windowManager = std::nullopt});
+}
+
+std::vector<RigKind> windowManagerRigs() {
+    std::vector<RigKind> kinds;
+    for (const WindowManagerKind kind : allWindowManagers()) {
+        kinds.push_back(rigOn(nameOf(kind), {.windowManager = kind}));
+    }
+    return kinds;
+}
+
+std::vector<RigKind> iconifyingRigs() {
+    std::vector<RigKind> kinds = windowManagerRigs();
+    std::erase_if(kinds,
+                  [](const RigKind& kind) { return kind.name == nameOf(WindowManagerKind::i3); });
+    return kinds;
+}
+
+}  // namespace quorvel::test
