@@ -32,8 +32,8 @@ public:
                                                  std::function<void()> tick) = 0;
 
     /// Calls `handler` from the loop, never in signal context, each time the process is asked to
-    /// end (SIGTERM). While the subscription lives the signal itself is ignored. Delivered during
-    /// `modal` too.
+    /// end (SIGTERM, or the terminal that it runs in goes away). While the subscription lives the
+    /// signal itself is ignored. Delivered during `modal` too.
     [[nodiscard]] virtual Subscription onTerminationSignal(std::function<void()> handler) = 0;
 
     /// Runs `body`, which spins a loop of its own (an alert). Until it returns, queued work waits

@@ -38,8 +38,8 @@ Character characterAt(std::string_view text, std::size_t at) {
         if ((next & 0xC0u) != 0x80u) return malformed;
         code = (code << 6) | (next & 0x3Fu);
     }
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    if (code < form->least || code > 0x10FFFF || isSurrogate) return malformed;
+    if (code < form->least) return malformed;
+    // A surrogate, or a code beyond the last, is no space or sign either.
     return {code, length};
 }
 

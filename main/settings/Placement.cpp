@@ -73,13 +73,13 @@ std::vector<Placement> Placement::pruning(const std::vector<Placement>& placemen
 }  // namespace quorvel
 
 std::size_t std::hash<quorvel::Slot>::operator()(const quorvel::Slot& slot) const noexcept {
-    struct Ordinal {
-        std::size_t operator()(quorvel::HotZoneCorner corner) const {
-            return static_cast<std::size_t>(corner);
-        }
-        std::size_t operator()(quorvel::Side side) const { return static_cast<std::size_t>(side); }
-        std::size_t operator()(quorvel::Slot::BottomHide) const { return 0; }
-    };
-    return slot.position.index() * quorvel::allHotZoneCorners.size() +
-           std::visit(Ordinal{}, slot.position);
+    constexpr std::size_t corners = quorvel::allHotZoneCorners.size();
+    constexpr std::size_t sides = 3;
+    if (const auto* corner = std::get_if<quorvel::HotZoneCorner>(&slot.position)) {
+        return static_cast<std::size_t>(*corner);
+    }
+    if (const auto* side = std::get_if<quorvel::Side>(&slot.position)) {
+        return corners + static_cast<std::size_t>(*side);
+    }
+    return corners + sides;
 }

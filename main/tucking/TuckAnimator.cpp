@@ -32,6 +32,12 @@ void TuckAnimator::cancel(AXWindow window) {
     timers.erase(window);
 }
 
+std::optional<Point> TuckAnimator::destination(AXWindow window) const {
+    const auto at = timers.find(window);
+    if (at == timers.end()) return std::nullopt;
+    return at->second.to;
+}
+
 void TuckAnimator::tick(AXWindow window) {
     const auto at = timers.find(window);
     if (at == timers.end()) return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <unordered_map>
 
 #include "main/tucking/AXWindows.hpp"
@@ -27,6 +28,8 @@ public:
     void cancel(AXWindow window);
 
     bool isMoving(AXWindow window) const { return timers.contains(window); }
+    /// Where the running slide of a window takes it, in AX space.
+    std::optional<Point> destination(AXWindow window) const;
 
 private:
     void tick(AXWindow window);

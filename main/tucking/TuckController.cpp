@@ -47,6 +47,11 @@ void TuckController::toggleTuck(const std::string& appPath, TuckEdge edge) {
         AXPermission::promptAndOpenSettings(trust);
         return;
     }
+    if (hiddenApps.contains(appPath) && applications.isHidden(*application)) {
+        // Its windows are out of reach; the second toggle undoes what the first one did.
+        toggleBottomTuck(*application, appPath);
+        return;
+    }
     const std::int32_t pid = application->processIdentifier;
     if (const auto window = windows.focusedWindow(pid, appPath)) {
         tuckOrUntuck(*window, appPath);
@@ -222,9 +227,15 @@ TuckController::PlacedEdge TuckController::placedEdge(const std::string& appPath
 
 void TuckController::tuck(AXWindow window, const std::string& appPath, TuckEdge edge,
                           const Rect& frameAX, const Rect& screenCocoa) {
-    registry.insert(window, {frameAX, false});
+    // A window that is still on its way home belongs there, not where it happens to be.
+    Rect originalFrameAX = frameAX;
+    if (const auto home = animator.destination(window)) {
+        originalFrameAX.x = home->x;
+        originalFrameAX.y = home->y;
+    }
+    registry.insert(window, {originalFrameAX, false});
     meta.insert_or_assign(window, Meta{appPath, edge, screenCocoa, std::nullopt});
-    windows.hold(window, frameAX);
+    windows.hold(window, originalFrameAX);
     moveTracked(window, frameAX.origin(), edge.tuckedOrigin(frameAX, screenAX(screenCocoa)),
                 std::nullopt);
 }

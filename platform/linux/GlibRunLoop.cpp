@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <utility>
+#include <vector>
 
 namespace quorvel::native {
 namespace {
@@ -68,6 +69,11 @@ gboolean dispatchConnection(GSource* source, GSourceFunc, gpointer) {
 
 GSourceFuncs connectionFunctions{prepareConnection, checkConnection, dispatchConnection,
                                  nullptr,           nullptr,         nullptr};
+
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
 
 gint64 microseconds(RunLoop::Duration duration) {
     return std::chrono::ceil<std::chrono::microseconds>(duration).count();
@@ -147,16 +153,27 @@ Subscription GlibRunLoop::repeating(Duration interval, Duration, std::function<v
 }
 
 Subscription GlibRunLoop::onTerminationSignal(std::function<void()> handler) {
-    auto* owned = new std::function<void()>(std::move(handler));
-    const guint source = g_unix_signal_add_full(
-        G_PRIORITY_DEFAULT, SIGTERM,
-        [](gpointer data) -> gboolean {
-            const std::function<void()> callback = *static_cast<std::function<void()>*>(data);
-            callback();
-            return G_SOURCE_CONTINUE;
-        },
-        owned, [](gpointer data) { delete static_cast<std::function<void()>*>(data); });
-    return Subscription([source] { g_source_remove(source); });
+    const auto shared = std::make_shared<std::function<void()>>(std::move(handler));
+    std::vector<guint> sources;
+    // The end of the terminal that it was started from, and Ctrl+C there, must not strand windows
+    // off the screen either. Whoever had them ignored (nohup, a background job) wants that.
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        if (signal != SIGTERM && isIgnored(signal)) continue;
+        sources.push_back(g_unix_signal_add_full(
+            G_PRIORITY_DEFAULT, signal,
+            [](gpointer data) -> gboolean {
+                const auto held = *static_cast<std::shared_ptr<std::function<void()>>*>(data);
+                (*held)();
+                return G_SOURCE_CONTINUE;
+            },
+            new std::shared_ptr<std::function<void()>>(shared),
+            [](gpointer data) {
+                delete static_cast<std::shared_ptr<std::function<void()>>*>(data);
+            }));
+    }
+    return Subscription([sources] {
+        for (const guint source : sources) g_source_remove(source);
+    });
 }
 
 void GlibRunLoop::modal(const std::function<void()>& body) {

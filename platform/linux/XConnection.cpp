@@ -92,6 +92,8 @@ XConnection::XConnection(xcb_connection_t* connection, int screenNumber) : conne
 }
 
 XConnection::~XConnection() {
+    // Disconnecting throws away what has not been sent yet.
+    xcb_flush(connection);
     xcb_disconnect(connection);
 }
 

@@ -3,8 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <set>
+
+#include "platform/Text.hpp"
 
 namespace quorvel {
 namespace {
@@ -303,9 +304,8 @@ TEST(HotKeySpecTest, EveryPairOfWordsParsesInAnyOrderAndCase) {
                     expected.emplace_back(modifier.name);
                 }
             }
-            std::string lower = first;
-            for (char& c : lower) c = static_cast<char>(std::tolower(c));
-            EXPECT_EQ(HotKeySpec::parse(lower + " , " + second + ",pageUp"),
+            const std::string lower = lowercased(first);
+            EXPECT_EQ(HotKeySpec::parse(joined({lower, second, "pageUp"}, " , ")),
                       spec("PAGEUP", expected));
         }
     }

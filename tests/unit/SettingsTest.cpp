@@ -27,7 +27,7 @@ Value placementRecord(const std::string& path) {
 
 class SettingsTest : public testing::Test {
 protected:
-    void store(std::string_view key, Value value) { defaults.setObject(key, value); }
+    void store(std::string_view key, const Value& value) { defaults.setObject(key, value); }
     void preset(std::string_view key, Value value) {
         defaults.presets.insert_or_assign(std::string(key), std::move(value));
     }
@@ -235,8 +235,8 @@ TEST_F(SettingsTest, MarkersHaveNoBundleFallback) {
 }
 
 TEST_F(SettingsTest, TextsAreReadFromTextsAndNumbers) {
-    const auto read = [this](Value value) {
-        store(Keys::tuckAuto, std::move(value));
+    const auto read = [this](const Value& value) {
+        store(Keys::tuckAuto, value);
         return settings.textForKey(Keys::tuckAuto);
     };
     EXPECT_EQ(read(" YES "), " YES ");

@@ -292,7 +292,7 @@ TEST(SharedEdgeTest, OnePointBetweenTheBordersIsSharedAndMoreIsNot) {
         EXPECT_TRUE(shared(TuckEdge::left, {{-900 - gap, 200, 1000, 800}})) << gap;
         EXPECT_TRUE(shared(TuckEdge::bottom, {{100, -600 - gap, 1000, 800}})) << gap;
     }
-    for (const double gap : {-1.5, 1.5}) {
+    for (const double gap : {-1.01, 1.01}) {
         EXPECT_FALSE(shared(TuckEdge::right, {{1100 + gap, 200, 1000, 800}})) << gap;
         EXPECT_FALSE(shared(TuckEdge::left, {{-900 - gap, 200, 1000, 800}})) << gap;
         EXPECT_FALSE(shared(TuckEdge::bottom, {{100, -600 - gap, 1000, 800}})) << gap;
@@ -325,6 +325,13 @@ TEST(SharedEdgeTest, ANeighbourOfTheUpperHalfLeavesTheLowerCornerFree) {
 
 TEST(SharedEdgeTest, AMirroredDisplayOfTheSameFrameIsNoNeighbour) {
     EXPECT_EQ(sharedEdges({screenCocoa, screenCocoa}), "");
+}
+
+TEST(SharedEdgeTest, ADisplayOnePointWideDoesNotBorderItself) {
+    const Rect narrow{0, 0, 1, 1};
+    for (const TuckEdge edge : TuckEdge::allCases) {
+        EXPECT_FALSE(tuckEdgeIsShared(edge, narrow, {narrow})) << edge.rawValue();
+    }
 }
 
 TEST(SharedEdgeTest, AnyOneOfSeveralNeighboursIsEnough) {

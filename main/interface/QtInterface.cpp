@@ -1,0 +1,47 @@
+#include "main/interface/QtInterface.hpp"
+
+#include <utility>
+
+#include "main/interface/AlertBox.hpp"
+
+namespace quorvel {
+
+std::unique_ptr<QtInterface> QtInterface::create(const InterfaceHost& host) {
+    auto application = ToolkitApplication::start(host.desktop.log);
+    if (!application) return nullptr;
+    return std::unique_ptr<QtInterface>(new QtInterface(host, std::move(application)));
+}
+
+QtInterface::QtInterface(const InterfaceHost& host, std::unique_ptr<ToolkitApplication> application)
+    : application(std::move(application)), front(host.bringToFront) {}
+
+QtInterface::~QtInterface() = default;
+
+int QtInterface::runAlert(const Alert& alert) {
+    const auto box = makeAlertBox(alert);
+    front.bring(*box);
+    alertBox = box.get();
+    box->exec();
+    alertBox = nullptr;
+    return alertResponse(*box);
+}
+
+void QtInterface::dismissAlert() {
+    if (alertBox != nullptr) alertBox->reject();
+}
+
+void QtInterface::showSettings() {
+    if (!settingsWindowController) {
+        settingsWindowController = std::make_unique<SettingsWindowController>(front);
+    }
+    settingsWindowController->show();
+}
+
+void QtInterface::showPrompt(const std::string& reason, std::function<void()> closed) {
+    prompt = makeAlertBox({"Quorvel cannot move the windows of other programs", reason, {"OK"}});
+    QObject::connect(prompt.get(), &QMessageBox::finished, prompt.get(), std::move(closed));
+    prompt->show();
+    front.bring(*prompt);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,177 @@
+#include "main/shell/LauncherController.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "main/settings/Displays.hpp"
+#include "main/settings/Placement.hpp"
+#include "main/tucking/AXWindows.hpp"
+#include "main/tucking/TuckAnimationStyle.hpp"
+#include "platform/Text.hpp"
+
+namespace quorvel {
+namespace {
+
+bool saysYes(std::string_view text) {
+    constexpr std::array<std::string_view, 4> words{"true", "yes", "1", "on"};
+    return std::find(words.begin(), words.end(), lowercased(trimmed(text))) != words.end();
+}
+
+}  // namespace
+
+LauncherController::LauncherController(const Desktop& desktop, Application& application,
+                                       InterfaceProvider interface)
+    : desktop(desktop),
+      application(application),
+      interface(interface),
+      settings(desktop.defaults),
+      tuckController(AXWindows(desktop.windows, desktop.log), desktop.applications, desktop.screens,
+                     desktop.runLoop, desktop.trust, desktop.log),
+      alerts(std::move(interface), desktop.runLoop, desktop.log),
+      opener({desktop.applications, desktop.catalog, desktop.files, desktop.runLoop, desktop.log},
+             tuckController, alerts, [this] { openSettings(); }),
+      bindingHotKeys(desktop.hotKeys, desktop.runLoop, desktop.log,
+                     [this](std::uint32_t id) { handleHotKey(id); }) {}
+
+void LauncherController::applicationDidFinishLaunching() {
+    reloadFromSettings();
+
+    sigTermSource = desktop.runLoop.onTerminationSignal([this, alive = life.watch()] {
+        if (!alive.expired()) handleTerminationSignal();
+    });
+
+    desktop.log.line(formatted("Quorvel: ready — %d app(s) bound", activeBindings.size()));
+    desktop.log.line(formatted("Quorvel: accessibility %@",
+                               desktop.trust.isTrusted() ? "granted" : "not granted"));
+
+    if (settings.appBindings().empty()) {
+        desktop.log.line("Quorvel: no apps bound; opening Settings");
+        openSettings();
+    }
+}
+
+void LauncherController::applicationWillTerminate() {
+    tuckController.untuckAll();
+}
+
+void LauncherController::handleTerminationSignal() {
+    // The alert's own loop must come to an end before anything that is queued can run.
+    alerts.endAll();
+    desktop.runLoop.async([this, alive = life.watch()] {
+        if (!alive.expired()) application.terminate();
+    });
+}
+
+void LauncherController::reloadFromSettings() {
+    applyHotZone(settings.hotZoneDwellMs());
+    tuckController.animationStyle =
+        parseTuckAnimationStyle(settings.tuckAnimation().value_or("slide"))
+            .value_or(TuckAnimationStyle::slide);
+    tuckController.edgeForDisplay = [this, alive = life.watch()](
+                                        const std::string& appPath,
+                                        const Rect& displayCocoa) -> std::optional<std::string> {
+        if (alive.expired()) return std::nullopt;
+        return placedEdgeRaw(appPath, displayCocoa);
+    };
+}
+
+void LauncherController::applyHotZone(int dwellMs) {
+    const std::vector<AppBinding> stored = settings.appBindings();
+    std::vector<std::string> paths;
+    for (const AppBinding& binding : stored) paths.push_back(binding.appPath);
+    desktop.applications.prefer(std::move(paths));
+
+    AppBinding::Validation validation = AppBinding::validated(stored);
+    for (const std::string& reason : validation.dropped) {
+        desktop.log.line(formatted("Quorvel: binding dropped — %@", reason));
+    }
+    activeBindings = std::move(validation.kept);
+    bindingHotKeys.apply(activeBindings);
+    applyAllHotZones(dwellMs);
+}
+
+void LauncherController::applyAllHotZones(int /*dwellMs*/) {
+    rememberAttachedDisplays();
+}
+
+void LauncherController::rememberAttachedDisplays() const {
+    auto known = settings.knownDisplays();
+    for (const DisplayInfo& display : Displays::attached(desktop.screens)) {
+        known[display.ref.raw] = display.name;
+    }
+    if (known != settings.knownDisplays()) settings.setKnownDisplays(known);
+}
+
+void LauncherController::openSettings() {
+    if (Interface* const shown = interface()) {
+        shown->showSettings();
+    } else {
+        desktop.log.line("Quorvel: settings not shown — the interface is missing");
+    }
+}
+
+void LauncherController::activateOrTuck(const std::string& appPath,
+                                        const std::string& edgeHintRaw) {
+    opener.activateOrTuck(appPath, edgeHintRaw);
+}
+
+void LauncherController::handleHotKey(std::uint32_t id) {
+    const auto index = BindingHotKeys::indexOf(id, activeBindings.size());
+    if (!index) {
+        desktop.log.line(formatted("Quorvel: hotkey fired with stale id %u — ignored", id));
+        return;
+    }
+    // A copy: an alert on the way may be followed by a reload.
+    const std::string appPath = activeBindings[*index].appPath;
+    activateOrTuck(appPath, edgeHintUnderPointer(appPath));
+}
+
+std::string LauncherController::edgeHintUnderPointer(const std::string& appPath) const {
+    const std::vector<DisplayInfo> attached = Displays::attached(desktop.screens);
+    if (!attached.empty()) {
+        const Point pointerCocoa = desktop.pointer.read().locationCocoa;
+        auto display = std::find_if(attached.begin(), attached.end(), [&](const DisplayInfo& info) {
+            return cursorIsOn(info.frameCocoa, pointerCocoa);
+        });
+        if (display == attached.end()) display = attached.begin();
+        const auto placement = Placement::matching(appPath, *display, settings.placements());
+        if (placement && TuckEdge::parse(placement->tuckEdge)) return placement->tuckEdge;
+    }
+    return preferredPlacedEdgeRaw(appPath);
+}
+
+std::string LauncherController::preferredPlacedEdgeRaw(const std::string& appPath) const {
+    std::string preferred = "none";
+    for (const Placement& placement : settings.placements()) {
+        if (placement.appPath != appPath) continue;
+        const auto edge = TuckEdge::parse(placement.tuckEdge);
+        if (!edge) continue;
+        preferred = edge->rawValue();
+        if (*edge != TuckEdge::bottom) break;
+    }
+    return preferred;
+}
+
+std::optional<std::string> LauncherController::placedEdgeRaw(const std::string& appPath,
+                                                             const Rect& displayCocoa) const {
+    for (const DisplayInfo& display : Displays::attached(desktop.screens)) {
+        if (display.frameCocoa != displayCocoa) continue;
+        const auto placement = Placement::matching(appPath, display, settings.placements());
+        if (!placement) return std::nullopt;
+        return placement->tuckEdge;
+    }
+    return std::nullopt;
+}
+
+std::optional<LauncherController::TuckConfig> LauncherController::tuckConfig(
+    const std::string& appPath) const {
+    const auto binding =
+        std::find_if(activeBindings.begin(), activeBindings.end(),
+                     [&](const AppBinding& candidate) { return candidate.appPath == appPath; });
+    if (binding == activeBindings.end()) return std::nullopt;
+    return TuckConfig{TuckEdge::parse(preferredPlacedEdgeRaw(appPath)), saysYes(binding->autoTuck)};
+}
+
+}  // namespace quorvel

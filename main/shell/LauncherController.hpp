@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "main/settings/AppBinding.hpp"
+#include "main/settings/Settings.hpp"
+#include "main/shell/Alerts.hpp"
+#include "main/shell/AppOpener.hpp"
+#include "main/shell/Application.hpp"
+#include "main/shell/BindingHotKeys.hpp"
+#include "main/shell/Interface.hpp"
+#include "main/tucking/TuckController.hpp"
+#include "main/tucking/TuckEdge.hpp"
+#include "platform/Desktop.hpp"
+
+namespace quorvel {
+
+/// The one coordinator of the program: launches it, applies the settings, turns shortcuts into
+/// deeds, and puts all windows back at the end. Lives as long as the process.
+class LauncherController final : public ApplicationDelegate {
+public:
+    struct TuckConfig {
+        std::optional<TuckEdge> edge;  ///< the preferred one across the displays
+        bool isAuto = false;           ///< tucked whenever it is not the active application
+
+        bool operator==(const TuckConfig&) const = default;
+    };
+
+    /// All that the desktop names, and the application, outlive the controller.
+    LauncherController(const Desktop& desktop, Application& application,
+                       InterfaceProvider interface);
+
+    void applicationDidFinishLaunching() override;
+    void applicationWillTerminate() override;
+    bool applicationSupportsSecureRestorableState() const override { return true; }
+
+    /// The one way in which settings take effect.
+    void reloadFromSettings();
+
+    /// Shows the settings window; a line in the log where the interface is missing.
+    void openSettings();
+
+    /// The deed behind every trigger of a bound application.
+    void activateOrTuck(const std::string& appPath, const std::string& edgeHintRaw);
+
+    /// The text of the edge that stands for an application across all displays: a side or corner
+    /// rather than the bottom; "none" where no placement has an edge.
+    std::string preferredPlacedEdgeRaw(const std::string& appPath) const;
+
+    /// Nothing for an application that has no active binding.
+    std::optional<TuckConfig> tuckConfig(const std::string& appPath) const;
+
+    /// Validates the bindings, registers their shortcuts, then does `applyAllHotZones`.
+    void applyHotZone(int dwellMs);
+
+    /// What depends on the attached displays. Registers no shortcut.
+    void applyAllHotZones(int dwellMs);
+
+private:
+    void handleTerminationSignal();
+    void handleHotKey(std::uint32_t id);
+    std::string edgeHintUnderPointer(const std::string& appPath) const;
+    std::optional<std::string> placedEdgeRaw(const std::string& appPath,
+                                             const Rect& displayCocoa) const;
+    void rememberAttachedDisplays() const;
+
+    Desktop desktop;
+    Application& application;
+    InterfaceProvider interface;
+
+    Settings settings;
+    TuckController tuckController;
+    std::vector<AppBinding> activeBindings;  ///< in the stored order; shortcut ids count along it
+    Alerts alerts;
+    AppOpener opener;
+    BindingHotKeys bindingHotKeys;
+    Subscription sigTermSource;
+    Lifetime life;
+};
+
+}  // namespace quorvel
