@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvel::native {
+
+/// What tells which application a process belongs to. Texts are empty when unknown.
+struct ProcessFacts {
+    std::int32_t pid = 0;
+    std::string executable;  ///< absolute path
+    std::string program;     ///< absolute path; the script when the executable interprets one
+    /// Its base name, or that of a module; empty for an interpreter that runs neither.
+    std::string programName;
+    /// The shell script that started it as its child.
+    std::string parentScript;
+    /// Desktop ids that its sandbox gives it, without the extension, the likeliest first.
+    std::vector<std::string> sandboxIds;
+    std::string desktopFileHint;      ///< BAMF_DESKTOP_FILE_HINT
+    std::string launchedDesktopFile;  ///< GIO_LAUNCHED_DESKTOP_FILE
+    std::int32_t launchedPid = 0;     ///< GIO_LAUNCHED_DESKTOP_FILE_PID
+
+    bool operator==(const ProcessFacts&) const = default;
+};
+
+/// Nothing when there is no such process or it may not be looked at. What cannot be read of it
+/// stays empty. `processFolder` is /proc.
+std::optional<ProcessFacts> readProcessFacts(std::int32_t pid,
+                                             const std::string& processFolder = "/proc");
+
+/// At most `limit` bytes of a file. Never waits for a writer, as a pipe in a file's place would
+/// make one do; empty when it cannot be read.
+std::string readSome(const std::string& path, std::size_t limit);
+
+}  // namespace quorvel::native
