@@ -11,7 +11,7 @@ std::optional<TextRecord> textRecord(const Value& value) {
     for (const auto& [name, field] : *dictionary) {
         const std::string* text = field.text();
         if (!text) return std::nullopt;
-        record.emplace_hint(record.end(), name, *text);
+        record.emplace(name, *text);
     }
     return record;
 }

@@ -49,7 +49,7 @@ void TuckController::toggleTuck(const std::string& appPath, TuckEdge edge) {
     }
     if (hiddenApps.contains(appPath) && applications.isHidden(*application)) {
         // Its windows are out of reach; the second toggle undoes what the first one did.
-        toggleBottomTuck(*application, appPath);
+        toggleHidden(*application, appPath);
         return;
     }
     const std::int32_t pid = application->processIdentifier;

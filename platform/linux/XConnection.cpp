@@ -114,6 +114,38 @@ void XConnection::selectOnRoot(std::uint32_t eventMask) {
     xcb_change_window_attributes(connection, root(), XCB_CW_EVENT_MASK, &rootMask);
 }
 
+void XConnection::select(xcb_window_t window, std::uint32_t eventMask) {
+    if (window == root()) return selectOnRoot(eventMask);
+    std::uint32_t& mask = masks[window];
+    if ((mask & eventMask) == eventMask) return;
+    mask |= eventMask | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
+}
+
+xcb_timestamp_t XConnection::serverTime() {
+    if (clockWindow == XCB_WINDOW_NONE) {
+        clockWindow = xcb_generate_id(connection);
+        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_create_window(connection, XCB_COPY_FROM_PARENT, clockWindow, root(), -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                          &mask);
+    }
+    // Any change of a property is answered with the time; appending nothing is one.
+    xcb_change_property(connection, XCB_PROP_MODE_APPEND, clockWindow, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, 0, nullptr);
+    xcb_timestamp_t now = XCB_CURRENT_TIME;
+    waitFor(
+        [&](const xcb_generic_event_t& event) {
+            if ((event.response_type & 0x7F) != XCB_PROPERTY_NOTIFY) return false;
+            const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+            if (change.window != clockWindow) return false;
+            now = change.time;
+            return true;
+        },
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(250));
+    return now;
+}
+
 Subscription XConnection::onEvent(std::function<void(const xcb_generic_event_t&)> handler) {
     return eventSubscribers.add(std::move(handler));
 }
@@ -132,11 +164,25 @@ std::uint8_t XConnection::check(xcb_void_cookie_t cookie) const {
     return isLost() ? 255 : 0;
 }
 
-void XConnection::take(xcb_generic_event_t* event) {
+/// False when the event is nobody's business; it is freed then.
+bool XConnection::take(xcb_generic_event_t* event) {
+    Reply<xcb_generic_event_t> owner(event);
+    if (event->response_type == 0) {
+        // The window was gone before its events could be selected.
+        const auto& error = reinterpret_cast<const xcb_generic_error_t&>(*event);
+        if (error.major_code == XCB_CHANGE_WINDOW_ATTRIBUTES && error.error_code == XCB_WINDOW &&
+            masks.erase(error.resource_id) > 0) {
+            return false;
+        }
+    }
+    if (event->response_type == XCB_DESTROY_NOTIFY) {
+        masks.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(*event).window);
+    }
     if (const xcb_timestamp_t time = timestampOf(*event); time != XCB_CURRENT_TIME) {
         timestamp = time;
     }
-    queue.emplace_back(event);
+    queue.push_back(std::move(owner));
+    return true;
 }
 
 bool XConnection::waitFor(const std::function<bool(const xcb_generic_event_t&)>& seen,
@@ -144,8 +190,7 @@ bool XConnection::waitFor(const std::function<bool(const xcb_generic_event_t&)>&
     flush();
     while (true) {
         while (xcb_generic_event_t* event = xcb_poll_for_event(connection)) {
-            take(event);
-            if (seen(*event)) return true;
+            if (take(event) && seen(*event)) return true;
         }
         const auto left = deadline - std::chrono::steady_clock::now();
         if (isLost() || left <= left.zero()) return false;

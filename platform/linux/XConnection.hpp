@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/Subscription.hpp"
@@ -48,6 +49,9 @@ public:
 
     /// Adds to the events selected on the root window; those that others selected stay.
     void selectOnRoot(std::uint32_t eventMask);
+    /// The same on any other window; its DestroyNotify always comes along. One that is gone is no
+    /// error.
+    void select(xcb_window_t window, std::uint32_t eventMask);
 
     /// All events except errors, as they came; the response type still carries the bit of a sent
     /// event (0x80).
@@ -85,15 +89,20 @@ public:
 
     /// The server time of the last user event or property change seen; 0 before the first.
     xcb_timestamp_t lastTimestamp() const { return timestamp; }
+    /// The server's clock now, for requests that a window manager refuses when they look older
+    /// than the user's last input. One round trip; XCB_CURRENT_TIME when no answer comes.
+    xcb_timestamp_t serverTime();
 
 private:
     XConnection(xcb_connection_t* connection, int screenNumber);
-    void take(xcb_generic_event_t* event);
+    bool take(xcb_generic_event_t* event);
 
     xcb_connection_t* connection;
     const xcb_screen_t* screenInfo = nullptr;
     mutable std::map<std::string, xcb_atom_t, std::less<>> atoms;
     std::uint32_t rootMask = 0;
+    std::unordered_map<xcb_window_t, std::uint32_t> masks;
+    xcb_window_t clockWindow = XCB_WINDOW_NONE;
     std::deque<Reply<xcb_generic_event_t>> queue;
     xcb_timestamp_t timestamp = 0;
     bool lostReported = false;

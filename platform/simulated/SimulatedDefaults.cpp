@@ -1,5 +1,7 @@
 #include "platform/simulated/SimulatedDefaults.hpp"
 
+#include <algorithm>
+
 #include "platform/Text.hpp"
 
 namespace quorvel {
@@ -11,9 +13,14 @@ std::optional<Value> found(const Value::Dictionary& in, std::string_view key) {
     return at->second;
 }
 
+bool isNameCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '_' || c == '.';
+}
+
 bool isDomainName(std::string_view name) {
-    return !name.empty() && name != "." && name != ".." &&
-           name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+    return !name.empty() && name.front() != '.' && name.find("..") == std::string_view::npos &&
+           std::all_of(name.begin(), name.end(), isNameCharacter);
 }
 
 }  // namespace
@@ -51,7 +58,9 @@ std::optional<Value> SimulatedDefaults::preset(std::string_view key) const {
 
 bool SimulatedDefaults::canSave(std::string_view key) {
     if (!failsToSave && !unreadable && !keysThatFailToSave.contains(key)) return true;
-    log.line(formatted("Quorvel: could not save %@ — %@", key, "No space left on device"));
+    log.line(formatted("Quorvel: could not store %@ in %@ — %@", key,
+                       "/home/user/.config/" + domainName + "/defaults.json",
+                       unreadable ? "Permission denied" : "No space left on device"));
     return false;
 }
 

@@ -24,7 +24,7 @@ public:
     // Faults: both fail every write, the second for these keys only.
     bool failsToSave = false;
     std::set<std::string, std::less<>> keysThatFailToSave;
-    /// What is stored cannot be read; writing would lose the other keys, so that fails too.
+    /// What is stored may not be read; writing would lose the other keys, so that fails too.
     bool unreadable = false;
 
     /// Writes that reached the store.

@@ -8,22 +8,35 @@
 namespace quorvel {
 namespace {
 
-std::string escaped(std::string_view message) {
+std::string escape(unsigned code) {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), code > 0xFF ? "\\u%04x" : "\\x%02x", code);
+    return text.data();
+}
+
+std::string singleLine(std::string_view message) {
     std::string result;
-    for (const char c : message) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            result += c;
-        } else if (c == '\n') {
+    const auto byte = [&](std::size_t i) {
+        return i < message.size() ? static_cast<unsigned char>(message[i]) : 0u;
+    };
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        if (byte(i) == '\n') {
             result += "\\n";
-        } else if (c == '\r') {
+        } else if (byte(i) == '\r') {
             result += "\\r";
-        } else if (c == '\t') {
+        } else if (byte(i) == '\t') {
             result += "\\t";
+        } else if (byte(i) < 0x20 || byte(i) == 0x7F) {
+            result += escape(byte(i));
+        } else if (byte(i) == 0xC2 && byte(i + 1) >= 0x80 && byte(i + 1) <= 0x9F) {
+            result += escape(byte(++i));
+        } else if (byte(i) == 0xE2 && byte(i + 1) == 0x80 &&
+                   (byte(i + 2) == 0xA8 || byte(i + 2) == 0xA9)) {
+            // Unicode's own separators of lines and paragraphs.
+            result += escape(0x2000u + byte(i + 2) - 0x80u);
+            i += 2;
         } else {
-            std::array<char, 5> code{};
-            std::snprintf(code.data(), code.size(), "\\x%02x", static_cast<unsigned>(byte));
-            result += code.data();
+            result += message[i];
         }
     }
     return result;
@@ -50,7 +63,7 @@ std::vector<std::string> SimulatedLog::taken() {
 }
 
 void SimulatedLog::line(std::string_view message) {
-    lines.push_back(escaped(message));
+    lines.push_back(singleLine(message));
 }
 
 }  // namespace quorvel

@@ -57,7 +57,7 @@ TEST(PlacementTest, TextsAreKeptExactlyAsStored) {
 TEST(PlacementTest, OneMalformedElementMakesTheWholeListUnreadable) {
     const Dictionary good{{"appPath", "/a"}, {"display", "X"}};
     Dictionary bad = good;
-    bad["corner"] = Value(1);
+    bad.insert_or_assign("corner", Value(1));
     EXPECT_THAT(Placement::decode(Array{good, 1}), IsEmpty());
     EXPECT_THAT(Placement::decode(Array{good, bad}), IsEmpty());
     EXPECT_THAT(Placement::decode(good), IsEmpty());

@@ -166,14 +166,17 @@ TEST(SimulatedDefaultsTest, DomainsAreReadByName) {
     EXPECT_EQ(desktop.defaults.persistentDomain(desktop.defaults.domainName).at("Mine"),
               Value(true));
     EXPECT_TRUE(desktop.defaults.persistentDomain("../other").empty());
+    desktop.defaults.otherDomains["a b"] = {{"K", "v"}};
+    EXPECT_TRUE(desktop.defaults.persistentDomain("a b").empty());
     EXPECT_TRUE(desktop.defaults.persistentDomain("").empty());
     EXPECT_EQ(desktop.defaults.preset("K"), std::nullopt);
 }
 
 TEST(SimulatedLogTest, AMessageStaysOneLine) {
     SimulatedDesktop desktop;
-    desktop.log.line("Quorvel: a\nb\x1b[0m é");
-    EXPECT_EQ(desktop.log.taken(), (std::vector<std::string>{"Quorvel: a\\nb\\x1b[0m é"}));
+    desktop.log.line("Quorvel: a\nb\x1b[0m é\u0085\u2028\u2014");
+    EXPECT_EQ(desktop.log.taken(),
+              (std::vector<std::string>{"Quorvel: a\\nb\\x1b[0m é\\x85\\u2028—"}));
     EXPECT_TRUE(desktop.log.lines.empty());
 }
 

@@ -1,0 +1,233 @@
+#include "platform/linux/FrameReader.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace quorvel::native {
+namespace {
+
+// Deeper than any window manager nests, and an end for a tree that changes while we climb it.
+constexpr std::size_t deepest = 16;
+
+// Window managers carry out what they are asked in one go; a pause this long ends it.
+constexpr auto quiet = std::chrono::milliseconds(30);
+
+xcb_get_property_cookie_t askProperty(const XConnection& x, xcb_window_t window,
+                                      std::string_view name) {
+    return xcb_get_property(x.xcb(), 0, window, x.atom(name), XCB_ATOM_ANY, 0, 64);
+}
+
+std::vector<std::uint32_t> items(const XConnection& x, xcb_get_property_cookie_t cookie) {
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.xcb(), cookie, nullptr));
+    if (!reply || reply->format != 32) return {};
+    std::vector<std::uint32_t> values(
+        static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / 4);
+    if (!values.empty()) {
+        std::memcpy(values.data(), xcb_get_property_value(reply.get()), values.size() * 4);
+    }
+    return values;
+}
+
+Extents extents(const std::vector<std::uint32_t>& values) {
+    constexpr std::uint32_t largest = 0x7FFF;  // of a coordinate on the wire
+    if (values.size() < 4) return {};
+    for (std::size_t i = 0; i < 4; ++i) {
+        if (values[i] > largest) return {};
+    }
+    return {static_cast<double>(values[0]), static_cast<double>(values[1]),
+            static_cast<double>(values[2]), static_cast<double>(values[3])};
+}
+
+Rect withBorder(const xcb_get_geometry_reply_t& geometry, Point outerCorner) {
+    return {outerCorner.x, outerCorner.y, geometry.width + 2.0 * geometry.border_width,
+            geometry.height + 2.0 * geometry.border_width};
+}
+
+Rect trimmed(const Rect& rect, const Extents& by) {
+    return {rect.x + by.left, rect.y + by.top, rect.width - by.left - by.right,
+            rect.height - by.top - by.bottom};
+}
+
+Rect padded(const Rect& rect, const Extents& by) {
+    return trimmed(rect, {-by.left, -by.right, -by.top, -by.bottom});
+}
+
+enum class Concern { none, other, geometry };
+
+/// Whether the event may have changed what a reading of the window gives.
+Concern concernOf(const WindowReading& window, const xcb_generic_event_t& event) {
+    xcb_window_t subject = XCB_WINDOW_NONE;
+    switch (event.response_type & 0x7F) {
+        case XCB_CONFIGURE_NOTIFY:
+            // A sent one is an answer too: the window manager has looked at what was asked.
+            subject = reinterpret_cast<const xcb_configure_notify_event_t&>(event).window;
+            return subject == window.frame || subject == window.client ? Concern::geometry
+                                                                       : Concern::none;
+        case XCB_PROPERTY_NOTIFY:
+            subject = reinterpret_cast<const xcb_property_notify_event_t&>(event).window;
+            break;
+        case XCB_REPARENT_NOTIFY:
+            subject = reinterpret_cast<const xcb_reparent_notify_event_t&>(event).window;
+            break;
+        case XCB_UNMAP_NOTIFY:
+            subject = reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window;
+            break;
+        case XCB_DESTROY_NOTIFY:
+            subject = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
+            break;
+        default:
+            break;
+    }
+    return subject == window.client ? Concern::other : Concern::none;
+}
+
+bool isInside(const Rect& inner, const Rect& outer) {
+    return inner.minX() >= outer.minX() && inner.maxX() <= outer.maxX() &&
+           inner.minY() >= outer.minY() && inner.maxY() <= outer.maxY();
+}
+
+}  // namespace
+
+Rect seenArea(const Rect& clientWithBorder, const Rect& frame, const Extents& shadow,
+              const Extents& decoration) {
+    if (shadow.any() && clientWithBorder == frame) {
+        const Rect content = trimmed(frame, shadow);
+        if (!content.isEmpty()) return content;
+    }
+    if (decoration.any()) {
+        const Rect decorated = padded(clientWithBorder, decoration);
+        // A shaded window is larger than its frame: then the frame is what is left of it.
+        if (isInside(decorated, frame)) return decorated;
+    }
+    return frame;
+}
+
+FrameReader::FrameReader(XConnection& x)
+    : x(x), events(x.onEvent([this](const xcb_generic_event_t& event) {
+          if ((event.response_type & 0x7F) != XCB_DESTROY_NOTIFY) return;
+          lineages.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+      })) {}
+
+bool FrameReader::trace(xcb_window_t client, Lineage& lineage) const {
+    lineage.clear();
+    for (xcb_window_t window = client; lineage.size() < deepest;) {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(x.xcb(), xcb_query_tree(x.xcb(), window), nullptr));
+        if (!tree || tree->parent == XCB_WINDOW_NONE) return false;
+        lineage.push_back(window);
+        if (tree->parent == tree->root) return true;
+        window = tree->parent;
+    }
+    return false;
+}
+
+std::optional<WindowReading> FrameReader::read(xcb_window_t client) {
+    xcb_connection_t* const connection = x.xcb();
+    Lineage& lineage = lineages[client];
+    // A window manager that comes or goes changes the lineage; a second change in between is one
+    // too many to wait for.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        if (lineage.empty() && !trace(client, lineage)) break;
+        const xcb_window_t frame = lineage.back();
+
+        std::vector<xcb_query_tree_cookie_t> parents;
+        for (const xcb_window_t window : lineage) {
+            parents.push_back(xcb_query_tree(connection, window));
+        }
+        const auto askedGeometry = xcb_get_geometry(connection, client);
+        const auto askedFrameGeometry = xcb_get_geometry(connection, frame);
+        const auto askedPlace = xcb_translate_coordinates(connection, client, x.root(), 0, 0);
+        const auto askedAttributes = xcb_get_window_attributes(connection, client);
+        const auto askedFrameAttributes = xcb_get_window_attributes(connection, frame);
+        const auto askedShadow = askProperty(x, client, "_GTK_FRAME_EXTENTS");
+        const auto askedDecoration = askProperty(x, client, "_NET_FRAME_EXTENTS");
+        const auto askedStates = askProperty(x, client, "_NET_WM_STATE");
+        const auto askedManagement = askProperty(x, client, "WM_STATE");
+
+        bool isOfThisLineage = true;
+        for (std::size_t i = 0; i < lineage.size(); ++i) {
+            const Reply<xcb_query_tree_reply_t> tree(
+                xcb_query_tree_reply(connection, parents[i], nullptr));
+            const xcb_window_t parent = i + 1 < lineage.size() ? lineage[i + 1] : x.root();
+            isOfThisLineage = isOfThisLineage && tree && tree->parent == parent;
+        }
+        const Reply<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(connection, askedGeometry, nullptr));
+        const Reply<xcb_get_geometry_reply_t> frameGeometry(
+            xcb_get_geometry_reply(connection, askedFrameGeometry, nullptr));
+        const Reply<xcb_translate_coordinates_reply_t> place(
+            xcb_translate_coordinates_reply(connection, askedPlace, nullptr));
+        const Reply<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(connection, askedAttributes, nullptr));
+        const Reply<xcb_get_window_attributes_reply_t> frameAttributes(
+            xcb_get_window_attributes_reply(connection, askedFrameAttributes, nullptr));
+        const std::vector<std::uint32_t> shadow = items(x, askedShadow);
+        const std::vector<std::uint32_t> decoration = items(x, askedDecoration);
+        const std::vector<std::uint32_t> states = items(x, askedStates);
+        const std::vector<std::uint32_t> management = items(x, askedManagement);
+
+        if (!isOfThisLineage || !geometry || !frameGeometry || !place || !attributes ||
+            !frameAttributes) {
+            lineage.clear();
+            continue;
+        }
+        const bool isWithdrawn = management.empty() || management[0] == 0;
+        if (isWithdrawn && attributes->map_state == XCB_MAP_STATE_UNMAPPED) break;
+
+        WindowReading reading;
+        reading.client = client;
+        reading.frame = frame;
+        reading.clientArea = {static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
+                              static_cast<double>(geometry->width),
+                              static_cast<double>(geometry->height)};
+        reading.frameArea = withBorder(*frameGeometry, {static_cast<double>(frameGeometry->x),
+                                                        static_cast<double>(frameGeometry->y)});
+        const Rect clientWithBorder =
+            withBorder(*geometry, {reading.clientArea.x - geometry->border_width,
+                                   reading.clientArea.y - geometry->border_width});
+        reading.drawsOwnShadow = extents(shadow).any();
+        reading.seen =
+            seenArea(clientWithBorder, reading.frameArea, extents(shadow), extents(decoration));
+        reading.frameIsOverrideRedirect = frameAttributes->override_redirect != 0;
+        for (const std::uint32_t state : states) {
+            if (state == x.atom("_NET_WM_STATE_FULLSCREEN")) reading.states.fullscreen = true;
+            if (state == x.atom("_NET_WM_STATE_MAXIMIZED_VERT")) {
+                reading.states.maximizedVertically = true;
+            }
+            if (state == x.atom("_NET_WM_STATE_MAXIMIZED_HORZ")) {
+                reading.states.maximizedHorizontally = true;
+            }
+        }
+        return reading;
+    }
+    lineages.erase(client);
+    return std::nullopt;
+}
+
+void FrameReader::watch(const WindowReading& window) const {
+    x.select(window.frame, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    x.select(window.client, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+}
+
+std::optional<WindowReading> FrameReader::await(
+    xcb_window_t client, const std::function<bool(const WindowReading&)>& done,
+    Clock::time_point latest) {
+    xcb_window_t watchedFrame = XCB_WINDOW_NONE;
+    while (true) {
+        const auto reading = read(client);
+        if (!reading || done(*reading) || Clock::now() >= latest) return reading;
+        if (watchedFrame != XCB_WINDOW_NONE && watchedFrame != reading->frame) watch(*reading);
+        watchedFrame = reading->frame;
+        Concern concern = Concern::none;
+        x.waitFor(
+            [&](const xcb_generic_event_t& event) {
+                concern = concernOf(*reading, event);
+                return concern != Concern::none;
+            },
+            latest);
+        if (concern == Concern::none) return reading;
+        if (concern == Concern::geometry) latest = std::min(latest, Clock::now() + quiet);
+    }
+}
+
+}  // namespace quorvel::native

@@ -1,0 +1,209 @@
+#include "platform/linux/JsonDefaults.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "platform/Text.hpp"
+
+namespace quorvel::native {
+namespace {
+
+constexpr std::string_view fileName = "/defaults.json";
+
+bool isNameCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '_' || c == '.';
+}
+
+}  // namespace
+
+bool JsonDefaults::isDomainName(std::string_view name) {
+    constexpr std::size_t longest = 200;
+    return !name.empty() && name.size() <= longest && name.front() != '.' &&
+           name.find("..") == std::string_view::npos &&
+           std::all_of(name.begin(), name.end(), isNameCharacter);
+}
+
+JsonDefaults::JsonDefaults(std::string domain, const XdgFolders& folders, Log& log)
+    : domain(std::move(domain)),
+      configHome(folders.configHome),
+      log(log),
+      isUsable(isDomainName(this->domain)),
+      folder(configHome + "/" + this->domain),
+      own(folder + std::string(fileName)) {
+    for (const std::string& data : folders.dataFolders) {
+        presets.emplace_back(data + "/quorvel/presets.json");
+    }
+}
+
+void JsonDefaults::refresh(File& file) const {
+    if (file.stamp && file.stamp == stampOf(file.path)) return;
+    file.stamp.reset();
+    file.document = {};
+    file.reason.clear();
+
+    FileReading reading = readFile(file.path, JsonDocument::largest);
+    switch (reading.outcome) {
+        case FileReading::Outcome::absent:
+            file.outcome = Outcome::absent;
+            return;
+        case FileReading::Outcome::failed:
+            file.outcome = Outcome::failed;
+            file.reason = errorText(reading.error);
+            return;
+        case FileReading::Outcome::tooLarge:
+            file.outcome = Outcome::unreadable;
+            file.reason = "too large";
+            break;
+        case FileReading::Outcome::read:
+            if (auto document = JsonDocument::parse(reading.text, file.reason)) {
+                file.outcome = Outcome::read;
+                file.document = std::move(*document);
+            } else {
+                file.outcome = Outcome::unreadable;
+            }
+            break;
+    }
+    if (reading.isSettled) file.stamp = reading.stamp;
+}
+
+void JsonDefaults::complain(File& file, const std::string& message) const {
+    if (file.complaint == message) return;
+    file.complaint = message;
+    log.line(message);
+}
+
+const JsonDocument& JsonDefaults::current(File& file) const {
+    refresh(file);
+    if (file.outcome == Outcome::unreadable || file.outcome == Outcome::failed) {
+        complain(file, formatted("Quorvel: %@ cannot be read — %@", file.path, file.reason));
+    } else {
+        file.complaint.clear();
+    }
+    return file.document;
+}
+
+const JsonDocument& JsonDefaults::currentOwn() const {
+    refresh(own);
+    if (own.outcome != Outcome::unreadable) return current(own);
+    const FileLock lock(folder + "/.lock");
+    if (lock.error() != 0) {
+        couldNotSetAside(lock.error());
+        return own.document;
+    }
+    // Another process may have been faster.
+    own.stamp.reset();
+    refresh(own);
+    if (own.outcome == Outcome::unreadable) setAsideOwn();
+    return own.document;
+}
+
+void JsonDefaults::couldNotSetAside(int error) const {
+    complain(own, formatted("Quorvel: %@ cannot be read — %@; it could not be set aside — %@",
+                            own.path, own.reason, errorText(error)));
+}
+
+bool JsonDefaults::setAsideOwn() const {
+    const std::string from = linkDestination(own.path);
+    int error = EEXIST;
+    std::string to;
+    for (int number = 1; error == EEXIST; ++number) {
+        to = from + ".unreadable-" + std::to_string(number);
+        error = renameToFreeName(from, to);
+    }
+    if (error != 0) {
+        couldNotSetAside(error);
+        return false;
+    }
+    log.line(
+        formatted("Quorvel: %@ cannot be read — %@; it is kept as %@", own.path, own.reason, to));
+    own = File(own.path);
+    return true;
+}
+
+template <class Change>
+bool JsonDefaults::update(const Change& change, std::string& error) {
+    if (!isUsable) {
+        error = "no valid name of a domain";
+        return false;
+    }
+    if (const int failure = createFolder(folder); failure != 0) {
+        error = errorText(failure);
+        return false;
+    }
+    const FileLock lock(folder + "/.lock");
+    if (lock.error() != 0) {
+        error = errorText(lock.error());
+        return false;
+    }
+    own.stamp.reset();
+    refresh(own);
+    if (own.outcome == Outcome::failed || (own.outcome == Outcome::unreadable && !setAsideOwn())) {
+        error = own.reason;
+        return false;
+    }
+
+    JsonDocument changed = own.document;
+    if (!change(changed, error)) return error.empty();  // without an error there was no need
+    const std::string text = changed.text();
+    if (text.size() > JsonDocument::largest) {
+        error = "too large";
+        return false;
+    }
+    if (const int failure = replaceFile(linkDestination(own.path), text); failure != 0) {
+        error = errorText(failure);
+        return false;
+    }
+    own.stamp.reset();
+    return true;
+}
+
+bool JsonDefaults::report(std::string_view key, const std::string& error) const {
+    log.line(
+        formatted("Quorvel: could not store %@ in %@ — %@", std::string(key), own.path, error));
+    return false;
+}
+
+std::optional<Value> JsonDefaults::object(std::string_view key) const {
+    if (!isUsable) return std::nullopt;
+    return currentOwn().value(key);
+}
+
+bool JsonDefaults::setObject(std::string_view key, const Value& value) {
+    std::string error;
+    const bool stored = update(
+        [&](JsonDocument& document, std::string& why) { return document.set(key, value, why); },
+        error);
+    return stored || report(key, error);
+}
+
+bool JsonDefaults::removeObject(std::string_view key) {
+    // Nothing to remove needs no folder and no lock, and succeeds where nothing can be written.
+    if (!isUsable || (!currentOwn().contains(key) && own.outcome != Outcome::failed)) return true;
+    std::string error;
+    const bool removed = update(
+        [&](JsonDocument& document, std::string&) {
+            if (!document.contains(key)) return false;
+            document.remove(key);
+            return true;
+        },
+        error);
+    return removed || report(key, error);
+}
+
+Value::Dictionary JsonDefaults::persistentDomain(std::string_view name) const {
+    if (!isDomainName(name)) return {};
+    if (name == domain) return currentOwn().values();
+    File other(configHome + "/" + std::string(name) + std::string(fileName));
+    return current(other).values();
+}
+
+std::optional<Value> JsonDefaults::preset(std::string_view key) const {
+    for (File& file : presets) {
+        if (auto value = current(file).value(key)) return value;
+    }
+    return std::nullopt;
+}
+
+}  // namespace quorvel::native

@@ -1,0 +1,137 @@
+#include "platform/linux/X11WindowAccess.hpp"
+
+#include <cmath>
+#include <utility>
+
+#include "platform/linux/DisplayGeometry.hpp"
+
+namespace quorvel::native {
+namespace {
+
+constexpr std::int32_t refused = -1;
+
+// Every call ends within 0.25 s; the last request of one takes a moment too.
+constexpr auto callLimit = std::chrono::milliseconds(235);
+
+}  // namespace
+
+X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
+                                 WindowManagerInfo& manager, FocusedWindowSource& focus,
+                                 DisplaysInRoot displaysInRoot)
+    : x(x),
+      elements(elements),
+      manager(manager),
+      focus(focus),
+      displaysInRoot(std::move(displaysInRoot)),
+      frames(x),
+      ladder(x, frames, manager),
+      states(x, frames, ladder) {}
+
+FocusedWindowReading X11WindowAccess::focusedWindow(std::int32_t processIdentifier,
+                                                    const std::string& bundlePath) {
+    return focus.focusedWindow(processIdentifier, bundlePath);
+}
+
+std::optional<WindowReading> X11WindowAccess::read(AXWindow window) {
+    const auto client = elements.windowOf(window.element);
+    if (!client) return std::nullopt;
+    return frames.read(*client);
+}
+
+Point X11WindowAccess::axOriginInRoot(const std::vector<Rect>& displays) {
+    if (!displays.empty()) lastAxOrigin = displays.front().origin();
+    return lastAxOrigin;
+}
+
+FrameReading X11WindowAccess::readFrame(AXWindow window) {
+    const auto now = read(window);
+    if (!now) return {};
+    const Point origin = axOriginInRoot(displaysInRoot());
+    return {Point{now->seen.x - origin.x, now->seen.y - origin.y}, now->seen.size()};
+}
+
+std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveStep step) {
+    const auto deadline = Clock::now() + callLimit;
+    const auto held = holds.find(window);
+    Hold* const hold = held == holds.end() ? nullptr : &held->second;
+    const bool comesHome = step == MoveStep::final && hold && hold->comesHome;
+
+    const auto question = manager.ask();
+    auto now = read(window);
+    manager.update(question);
+    if (now && now->states.any()) now = freed(*now, hold, deadline);
+    if (!now) {
+        if (held != holds.end()) holds.erase(held);
+        return refused;
+    }
+
+    const std::vector<Rect> displays = displaysInRoot();
+    const Point axOrigin = axOriginInRoot(displays);
+    Point target{std::round(originAX.x + axOrigin.x), std::round(originAX.y + axOrigin.y)};
+    if (comesHome) {
+        target = originOnNearestDisplay({target.x, target.y, now->seen.width, now->seen.height},
+                                        displays);
+    }
+    const MoveResult result = step == MoveStep::final
+                                  ? ladder.place(*now, target, displays, deadline)
+                                  : ladder.glide(*now, target, displays, deadline);
+
+    const bool staysAway = result.outcome == MoveOutcome::refused;
+    if (hold && hold->given && (comesHome || staysAway)) {
+        if (const auto arrived = frames.read(now->client)) {
+            states.restore(*arrived, *hold->given, deadline);
+        }
+        hold->given.reset();
+    }
+    if (comesHome || result.outcome == MoveOutcome::vanished) holds.erase(window);
+    if (result.error != 0) return result.error;
+    const bool isAccepted =
+        result.outcome == MoveOutcome::reached || result.outcome == MoveOutcome::clamped;
+    return isAccepted ? 0 : refused;
+}
+
+std::optional<WindowReading> X11WindowAccess::freed(const WindowReading& now, Hold* hold,
+                                                    Clock::time_point deadline) {
+    const auto given = states.leave(now, deadline);
+    if (given && hold) hold->given = given;
+    return frames.read(now.client);
+}
+
+void X11WindowAccess::raise(AXWindow window) {
+    const auto client = elements.windowOf(window.element);
+    if (!client) return;
+    manager.update(manager.ask());
+    if (manager.supports("_NET_RESTACK_WINDOW")) {
+        constexpr std::uint32_t fromPager = 2;
+        x.sendToRoot(*client, "_NET_RESTACK_WINDOW",
+                     {fromPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE, 0, 0});
+        return;
+    }
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    const auto cookie =
+        xcb_configure_window_checked(x.xcb(), *client, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    xcb_discard_reply(x.xcb(), cookie.sequence);
+    x.flush();
+}
+
+void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
+    const auto deadline = Clock::now() + callLimit;
+    Hold& hold = holds[window];
+    hold.originalFrameAX = originalFrameAX;
+    hold.comesHome = false;
+    // Here already, so that the first frame of the slide is not late.
+    const auto now = read(window);
+    if (now && now->states.any()) freed(*now, &hold, deadline);
+}
+
+void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {
+    const auto held = holds.find(window);
+    if (held == holds.end()) return;
+    if (how == EndOfHold::putBack) {
+        held->second.comesHome = true;
+    } else {
+        holds.erase(held);
+    }
+}
+
+}  // namespace quorvel::native

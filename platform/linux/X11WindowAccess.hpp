@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/WindowAccess.hpp"
+#include "platform/linux/FillingStateKeeper.hpp"
+#include "platform/linux/FocusedWindowSource.hpp"
+#include "platform/linux/FrameReader.hpp"
+#include "platform/linux/MoveLadder.hpp"
+#include "platform/linux/WindowElements.hpp"
+#include "platform/linux/WindowManagerInfo.hpp"
+#include "platform/linux/XConnection.hpp"
+
+namespace quorvel::native {
+
+/// Other programs' windows on X11. Everything that it is given outlives it.
+class X11WindowAccess final : public WindowAccess {
+public:
+    /// The displays in root coordinates, the primary one first; none for a moment during hot-plug.
+    using DisplaysInRoot = std::function<std::vector<Rect>()>;
+
+    X11WindowAccess(XConnection& x, WindowElements& elements, WindowManagerInfo& manager,
+                    FocusedWindowSource& focus, DisplaysInRoot displaysInRoot);
+
+    FocusedWindowReading focusedWindow(std::int32_t processIdentifier,
+                                       const std::string& bundlePath) override;
+    FrameReading readFrame(AXWindow window) override;
+    std::int32_t setOrigin(AXWindow window, Point originAX, MoveStep step) override;
+    void raise(AXWindow window) override;
+    void hold(AXWindow window, const Rect& originalFrameAX) override;
+    void letGo(AXWindow window, EndOfHold how) override;
+
+private:
+    using Clock = FrameReader::Clock;
+
+    struct Hold {
+        Rect originalFrameAX;  ///< what a note on the window itself would say
+        std::optional<GivenUpStates> given;
+        bool comesHome = false;  ///< the next final step is the last one
+    };
+
+    std::optional<WindowReading> read(AXWindow window);
+    /// Without a display, as long as there is none, the place of the last one.
+    Point axOriginInRoot(const std::vector<Rect>& displays);
+    /// Out of the states that hold it in place; what is known of the window afterwards.
+    std::optional<WindowReading> freed(const WindowReading& now, Hold* hold,
+                                       Clock::time_point deadline);
+
+    XConnection& x;
+    WindowElements& elements;
+    WindowManagerInfo& manager;
+    FocusedWindowSource& focus;
+    DisplaysInRoot displaysInRoot;
+    FrameReader frames;
+    MoveLadder ladder;
+    FillingStateKeeper states;
+    Point lastAxOrigin;
+    std::unordered_map<AXWindow, Hold> holds;
+};
+
+}  // namespace quorvel::native

@@ -1,0 +1,190 @@
+#include "tests/support/x11/WindowManager.hpp"
+
+#include <ostream>
+#include <stdexcept>
+
+namespace quorvel::test {
+namespace {
+
+constexpr std::string_view openboxConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+ <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
+ <placement><policy>Smart</policy></placement>
+ <theme><name>Clearlooks</name><titleLayout>NLIMC</titleLayout></theme>
+ <desktops><number>2</number></desktops>
+ <keyboard/>
+ <mouse>
+  <context name="Client">
+   <mousebind button="Left" action="Press">
+    <action name="Focus"/><action name="Raise"/>
+   </mousebind>
+  </context>
+  <context name="Titlebar">
+   <mousebind button="Left" action="Drag"><action name="Move"/></mousebind>
+  </context>
+ </mouse>
+</openbox_config>
+)";
+
+// "override" keeps the shortcuts of the system's defaults out.
+constexpr std::string_view xfceShortcuts = R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-keyboard-shortcuts" version="1.0">
+ <property name="xfwm4" type="empty">
+  <property name="custom" type="empty">
+   <property name="override" type="bool" value="true"/>
+  </property>
+ </property>
+</channel>
+)";
+constexpr std::string_view xfwmSettings = R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfwm4" version="1.0">
+ <property name="general" type="empty">
+  <property name="use_compositing" type="bool" value="false"/>
+  <property name="workspace_count" type="int" value="2"/>
+ </property>
+</channel>
+)";
+
+constexpr std::string_view kwinSettings = R"([Compositing]
+Enabled=false
+[Desktops]
+Number=2
+[ModifierOnlyShortcuts]
+Meta=
+)";
+
+constexpr std::string_view i3Configuration = R"(# i3 config file (v4)
+font pango:DejaVu Sans Mono 8
+for_window [all] floating enable
+focus_follows_mouse no
+focus_on_window_activation focus
+mouse_warping none
+)";
+
+constexpr std::string_view marcoSettings = R"([org/mate/marco/general]
+center-new-windows=false
+allow-tiling=false
+[org/mate/marco/global-keybindings]
+switch-to-workspace-left='disabled'
+switch-to-workspace-right='disabled'
+switch-to-workspace-up='disabled'
+switch-to-workspace-down='disabled'
+switch-group='disabled'
+switch-windows='disabled'
+switch-panels='disabled'
+cycle-group='disabled'
+cycle-windows='disabled'
+cycle-panels='disabled'
+show-desktop='disabled'
+panel-main-menu='disabled'
+panel-run-dialog='disabled'
+run-command-screenshot='disabled'
+run-command-window-screenshot='disabled'
+[org/mate/marco/window-keybindings]
+activate-window-menu='disabled'
+toggle-maximized='disabled'
+unmaximize='disabled'
+minimize='disabled'
+close='disabled'
+begin-move='disabled'
+begin-resize='disabled'
+move-to-workspace-left='disabled'
+move-to-workspace-right='disabled'
+move-to-workspace-up='disabled'
+move-to-workspace-down='disabled'
+)";
+
+struct Recipe {
+    std::vector<std::string> arguments;
+    Environment environment;
+};
+
+Recipe prepare(WindowManagerKind kind, const ScratchFolder& folder) {
+    switch (kind) {
+        case WindowManagerKind::openbox: {
+            const auto file = folder.write("openbox.xml", openboxConfiguration);
+            return {{"openbox", "--sm-disable", "--config-file", file.string()}, {}};
+        }
+        case WindowManagerKind::xfwm4: {
+            const std::string channels = "config/xfce4/xfconf/xfce-perchannel-xml/";
+            folder.write(channels + "xfce4-keyboard-shortcuts.xml", xfceShortcuts);
+            folder.write(channels + "xfwm4.xml", xfwmSettings);
+            return {{"xfwm4", "--compositor=off"}, {}};
+        }
+        case WindowManagerKind::kwin:
+            folder.write("config/kwinrc", kwinSettings);
+            return {{"kwin_x11", "--no-kactivities"},
+                    {{"KWIN_COMPOSE", "N"}, {"QT_QPA_PLATFORM", "xcb"}}};
+        case WindowManagerKind::i3: {
+            const auto file = folder.write("i3.config", i3Configuration);
+            return {{"i3", "-c", file.string()}, {}};
+        }
+        case WindowManagerKind::marco:
+            folder.write("config/glib-2.0/settings/keyfile", marcoSettings);
+            return {{"marco", "--no-composite", "--sm-disable"},
+                    {{"GSETTINGS_BACKEND", "keyfile"}}};
+    }
+    throw std::invalid_argument("no such window manager");
+}
+
+ChildProcess start(WindowManagerKind kind, Environment environment, const ScratchFolder& folder) {
+    const Recipe recipe = prepare(kind, folder);
+    for (const auto& [name, value] : recipe.environment) environment[name] = value;
+    return ChildProcess({recipe.arguments, environment, folder / "window-manager.log", {}});
+}
+
+}  // namespace
+
+const std::vector<WindowManagerKind>& allWindowManagers() {
+    static const std::vector<WindowManagerKind> all{
+        WindowManagerKind::openbox, WindowManagerKind::xfwm4, WindowManagerKind::kwin,
+        WindowManagerKind::i3, WindowManagerKind::marco};
+    return all;
+}
+
+std::string nameOf(WindowManagerKind kind) {
+    switch (kind) {
+        case WindowManagerKind::openbox:
+            return "openbox";
+        case WindowManagerKind::xfwm4:
+            return "xfwm4";
+        case WindowManagerKind::kwin:
+            return "kwin";
+        case WindowManagerKind::i3:
+            return "i3";
+        case WindowManagerKind::marco:
+            return "marco";
+    }
+    return "";
+}
+
+void PrintTo(WindowManagerKind kind, std::ostream* out) {
+    *out << nameOf(kind);
+}
+
+WindowManager::WindowManager(WindowManagerKind kind, const Environment& environment,
+                             const ScratchFolder& folder, const XProbe& probe)
+    : managerKind(kind),
+      process(start(kind, environment, folder)),
+      firstClient(environment.at("DISPLAY")) {
+    const auto need = [&](bool itHas, const char* what) {
+        if (itHas) return;
+        throw std::runtime_error(nameOf(kind) + " does not " + what + "; see window-manager.log");
+    };
+    waitUntil([&] { return probe.windowManagerIsReady() || !process.isRunning(); });
+    need(probe.windowManagerIsReady(), "start");
+
+    // Openbox announces itself a little before it answers, and loses a window mapped in between:
+    // it is ready when it manages one.
+    const xcb_window_t window = firstClient.open({.title = "Readiness"});
+    need(waitUntil([&] {
+             firstClient.map(window);
+             return waitUntil([&] { return probe.isManaged(window) && probe.isViewable(window); },
+                              20ms);
+         }),
+         "manage a window");
+    firstClient.destroy(window);
+    need(waitUntil([&] { return !probe.isManaged(window); }), "notice the end of a window");
+}
+
+}  // namespace quorvel::test

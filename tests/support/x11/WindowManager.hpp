@@ -1,0 +1,42 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "tests/support/x11/ChildProcess.hpp"
+#include "tests/support/x11/ScratchFolder.hpp"
+#include "tests/support/x11/TestClient.hpp"
+#include "tests/support/x11/XProbe.hpp"
+
+namespace quorvel::test {
+
+enum class WindowManagerKind { openbox, xfwm4, kwin, i3, marco };
+
+const std::vector<WindowManagerKind>& allWindowManagers();
+std::string nameOf(WindowManagerKind kind);
+/// How GoogleTest shows it.
+void PrintTo(WindowManagerKind kind, std::ostream* out);
+
+/// A real window manager without key bindings and without compositor, ready when the constructor
+/// returns. Throws when it does not start.
+class WindowManager {
+public:
+    /// `environment` is that of the session; its HOME is in `folder`.
+    WindowManager(WindowManagerKind kind, const Environment& environment,
+                  const ScratchFolder& folder, const XProbe& probe);
+
+    WindowManagerKind kind() const { return managerKind; }
+    bool isRunning() const { return process.isRunning(); }
+    /// Ends it at once; its windows stay.
+    void kill() { process.end(); }
+
+private:
+    WindowManagerKind managerKind;
+    ChildProcess process;
+    // Kept, so that no later window is given the identifier of the one that was destroyed: some
+    // leave that in _NET_ACTIVE_WINDOW.
+    TestClient firstClient;
+};
+
+}  // namespace quorvel::test
