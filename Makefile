@@ -60,7 +60,7 @@ install: build
 bench:
 	@scripts/install-packages build run desktop bench
 	@cmake --preset release -DQUORVEL_BENCHMARKS=ON >/dev/null
-	@cmake --build $(RELEASE) -j $(JOBS)
+	@cmake --build $(RELEASE) --target Quorvel quorvel-bench quorvel-bench-floor -j $(JOBS)
 	@scripts/bench
 
 clean:

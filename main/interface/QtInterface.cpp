@@ -7,7 +7,7 @@
 namespace quorvel {
 
 std::unique_ptr<QtInterface> QtInterface::create(const InterfaceHost& host) {
-    auto application = ToolkitApplication::start(host.desktop.log);
+    auto application = ToolkitApplication::start(host);
     if (!application) return nullptr;
     return std::unique_ptr<QtInterface>(new QtInterface(host, std::move(application)));
 }

@@ -1,7 +1,9 @@
 #include "main/interface/ToolkitApplication.hpp"
 
 #include <QLibrary>
+#include <QThread>
 #include <clocale>
+#include <cstdio>
 #include <string>
 
 #include "platform/Text.hpp"
@@ -39,35 +41,38 @@ private:
 
 }  // namespace
 
-std::unique_ptr<ToolkitApplication> ToolkitApplication::start(Log& log) {
+std::unique_ptr<ToolkitApplication> ToolkitApplication::start(const InterfaceHost& host) {
     if (!hasPlatformPlugin()) {
-        log.line("Quorvel: the toolkit has no plug-in for X11");
+        host.desktop.log.line("Quorvel: the toolkit has no plug-in for X11");
         return nullptr;
     }
     QCoreApplication::setAttribute(Qt::AA_DisableSessionManager);
     QCoreApplication::setApplicationName(QStringLiteral("Quorvel"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.tessivane.quorvel"));
+    qInstallMessageHandler(&forwardMessage);
     const ProcessState kept;
-    return std::unique_ptr<ToolkitApplication>(new ToolkitApplication(log));
+    return std::unique_ptr<ToolkitApplication>(new ToolkitApplication(host));
 }
 
-ToolkitApplication::ToolkitApplication(Log& log)
-    : QApplication(count, values),
-      log(log),
-      messageHandlerBefore(qInstallMessageHandler(&forwardMessage)) {
+ToolkitApplication::ToolkitApplication(const InterfaceHost& host)
+    : QApplication(count, values), host(host) {
     setQuitOnLastWindowClosed(false);
     setQuitLockEnabled(false);
-}
-
-ToolkitApplication::~ToolkitApplication() {
-    qInstallMessageHandler(messageHandlerBefore);
 }
 
 void ToolkitApplication::forwardMessage(QtMsgType type, const QMessageLogContext&,
                                         const QString& text) {
     if (type == QtDebugMsg || type == QtInfoMsg) return;
-    static_cast<ToolkitApplication*>(instance())
-        ->log.line(formatted("Quorvel: interface — %@", text.toStdString()));
+    const std::string line = formatted("Quorvel: interface — %@", text.toStdString());
+    const auto* const application = dynamic_cast<ToolkitApplication*>(instance());
+    if (application == nullptr) {
+        // While it starts there is no way to the host yet, but standard error is the log as well.
+        std::fprintf(stderr, "%s\n", line.c_str());
+        return;
+    }
+    // The toolkit's reaction to a lost server is to end the process in its own words.
+    if (QThread::currentThread() == application->thread()) application->host.endIfServerIsGone();
+    application->host.desktop.log.line(line);
 }
 
 }  // namespace quorvel

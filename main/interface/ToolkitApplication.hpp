@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <memory>
 
-#include "platform/Log.hpp"
+#include "main/shell/InterfaceEntry.hpp"
 
 namespace quorvel {
 
@@ -21,17 +21,16 @@ struct ToolkitArguments {
 /// session and the way this process ends.
 class ToolkitApplication final : private ToolkitArguments, public QApplication {
 public:
-    /// Null, and a line in the log, when the toolkit has no way to the window server.
-    static std::unique_ptr<ToolkitApplication> start(Log& log);
-    ~ToolkitApplication() override;
+    /// Null, and a line in the log, when the toolkit has no way to the window server. The host
+    /// outlives the application.
+    static std::unique_ptr<ToolkitApplication> start(const InterfaceHost& host);
 
 private:
-    explicit ToolkitApplication(Log& log);
+    explicit ToolkitApplication(const InterfaceHost& host);
     static void forwardMessage(QtMsgType type, const QMessageLogContext& context,
                                const QString& text);
 
-    Log& log;
-    QtMessageHandler messageHandlerBefore;
+    const InterfaceHost& host;
 };
 
 }  // namespace quorvel

@@ -58,7 +58,7 @@ Size FillingStateKeeper::nextLargerSize(xcb_window_t client, Size size) const {
 
 std::optional<GivenUpStates> FillingStateKeeper::leave(const WindowReading& now,
                                                        Clock::time_point deadline) {
-    frames.watch(now);
+    frames.watch(now, true);
     send(now.client, now.states, Change::remove);
     const auto left = frames.await(
         now.client,
@@ -87,7 +87,7 @@ std::optional<GivenUpStates> FillingStateKeeper::leave(const WindowReading& now,
 
 void FillingStateKeeper::restore(const WindowReading& now, const GivenUpStates& given,
                                  Clock::time_point deadline) {
-    frames.watch(now);
+    frames.watch(now, true);
     ladder.request(now, given.normalSeen.origin(), given.normalClientSize);
     send(now.client, given.states, Change::add);
     frames.await(

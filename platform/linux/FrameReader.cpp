@@ -52,6 +52,93 @@ Rect padded(const Rect& rect, const Extents& by) {
     return trimmed(rect, {-by.left, -by.right, -by.top, -by.bottom});
 }
 
+/// What one round trip brings of a window and its frame.
+struct Answers {
+    bool isComplete = false;  ///< both are there, and the one is still below the other
+    Reply<xcb_get_geometry_reply_t> geometry;
+    Reply<xcb_get_geometry_reply_t> frameGeometry;
+    Reply<xcb_translate_coordinates_reply_t> place;
+    Reply<xcb_get_window_attributes_reply_t> attributes;
+    Reply<xcb_get_window_attributes_reply_t> frameAttributes;
+    Extents shadow;
+    Extents decoration;
+    std::vector<std::uint32_t> states;
+    std::vector<std::uint32_t> management;
+
+    bool isWithdrawn() const {
+        const bool isManaged = !management.empty() && management[0] != 0;
+        return !isManaged && attributes->map_state == XCB_MAP_STATE_UNMAPPED;
+    }
+};
+
+Answers askAlong(const XConnection& x, const std::vector<xcb_window_t>& lineage) {
+    xcb_connection_t* const connection = x.xcb();
+    const xcb_window_t client = lineage.front();
+    const xcb_window_t frame = lineage.back();
+
+    std::vector<xcb_query_tree_cookie_t> parents;
+    for (const xcb_window_t window : lineage) parents.push_back(xcb_query_tree(connection, window));
+    const auto geometry = xcb_get_geometry(connection, client);
+    const auto frameGeometry = xcb_get_geometry(connection, frame);
+    const auto place = xcb_translate_coordinates(connection, client, x.root(), 0, 0);
+    const auto attributes = xcb_get_window_attributes(connection, client);
+    const auto frameAttributes = xcb_get_window_attributes(connection, frame);
+    const auto shadow = askProperty(x, client, "_GTK_FRAME_EXTENTS");
+    const auto decoration = askProperty(x, client, "_NET_FRAME_EXTENTS");
+    const auto states = askProperty(x, client, "_NET_WM_STATE");
+    const auto management = askProperty(x, client, "WM_STATE");
+
+    bool isOfThisLineage = true;
+    for (std::size_t i = 0; i < lineage.size(); ++i) {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection, parents[i], nullptr));
+        const xcb_window_t parent = i + 1 < lineage.size() ? lineage[i + 1] : x.root();
+        isOfThisLineage = isOfThisLineage && tree && tree->parent == parent;
+    }
+    Answers answers;
+    answers.geometry.reset(xcb_get_geometry_reply(connection, geometry, nullptr));
+    answers.frameGeometry.reset(xcb_get_geometry_reply(connection, frameGeometry, nullptr));
+    answers.place.reset(xcb_translate_coordinates_reply(connection, place, nullptr));
+    answers.attributes.reset(xcb_get_window_attributes_reply(connection, attributes, nullptr));
+    answers.frameAttributes.reset(
+        xcb_get_window_attributes_reply(connection, frameAttributes, nullptr));
+    answers.shadow = extents(items(x, shadow));
+    answers.decoration = extents(items(x, decoration));
+    answers.states = items(x, states);
+    answers.management = items(x, management);
+    answers.isComplete = isOfThisLineage && answers.geometry && answers.frameGeometry &&
+                         answers.place && answers.attributes && answers.frameAttributes;
+    return answers;
+}
+
+FillingStates fillingStates(const XConnection& x, const std::vector<std::uint32_t>& states) {
+    const auto has = [&](std::string_view name) {
+        return std::find(states.begin(), states.end(), x.atom(name)) != states.end();
+    };
+    return {has("_NET_WM_STATE_FULLSCREEN"), has("_NET_WM_STATE_MAXIMIZED_VERT"),
+            has("_NET_WM_STATE_MAXIMIZED_HORZ")};
+}
+
+WindowReading readingOf(const XConnection& x, xcb_window_t client, xcb_window_t frame,
+                        const Answers& answers) {
+    WindowReading reading;
+    reading.client = client;
+    reading.frame = frame;
+    reading.clientArea = {double(answers.place->dst_x), double(answers.place->dst_y),
+                          double(answers.geometry->width), double(answers.geometry->height)};
+    reading.clientBorder = answers.geometry->border_width;
+    reading.frameArea = withBorder(*answers.frameGeometry, {double(answers.frameGeometry->x),
+                                                            double(answers.frameGeometry->y)});
+    reading.seen =
+        seenArea(withBorder(*answers.geometry, {reading.clientArea.x - reading.clientBorder,
+                                                reading.clientArea.y - reading.clientBorder}),
+                 reading.frameArea, answers.shadow, answers.decoration);
+    reading.drawsOwnShadow = answers.shadow.any();
+    reading.frameIsOverrideRedirect = answers.frameAttributes->override_redirect != 0;
+    reading.states = fillingStates(x, answers.states);
+    return reading;
+}
+
 enum class Concern { none, other, geometry };
 
 /// Whether the event may have changed what a reading of the window gives.
@@ -122,91 +209,27 @@ bool FrameReader::trace(xcb_window_t client, Lineage& lineage) const {
 }
 
 std::optional<WindowReading> FrameReader::read(xcb_window_t client) {
-    xcb_connection_t* const connection = x.xcb();
     Lineage& lineage = lineages[client];
-    // A window manager that comes or goes changes the lineage; a second change in between is one
+    // A window manager that comes or goes changes the lineage; a third change in between is one
     // too many to wait for.
     for (int attempt = 0; attempt < 3; ++attempt) {
         if (lineage.empty() && !trace(client, lineage)) break;
-        const xcb_window_t frame = lineage.back();
-
-        std::vector<xcb_query_tree_cookie_t> parents;
-        for (const xcb_window_t window : lineage) {
-            parents.push_back(xcb_query_tree(connection, window));
-        }
-        const auto askedGeometry = xcb_get_geometry(connection, client);
-        const auto askedFrameGeometry = xcb_get_geometry(connection, frame);
-        const auto askedPlace = xcb_translate_coordinates(connection, client, x.root(), 0, 0);
-        const auto askedAttributes = xcb_get_window_attributes(connection, client);
-        const auto askedFrameAttributes = xcb_get_window_attributes(connection, frame);
-        const auto askedShadow = askProperty(x, client, "_GTK_FRAME_EXTENTS");
-        const auto askedDecoration = askProperty(x, client, "_NET_FRAME_EXTENTS");
-        const auto askedStates = askProperty(x, client, "_NET_WM_STATE");
-        const auto askedManagement = askProperty(x, client, "WM_STATE");
-
-        bool isOfThisLineage = true;
-        for (std::size_t i = 0; i < lineage.size(); ++i) {
-            const Reply<xcb_query_tree_reply_t> tree(
-                xcb_query_tree_reply(connection, parents[i], nullptr));
-            const xcb_window_t parent = i + 1 < lineage.size() ? lineage[i + 1] : x.root();
-            isOfThisLineage = isOfThisLineage && tree && tree->parent == parent;
-        }
-        const Reply<xcb_get_geometry_reply_t> geometry(
-            xcb_get_geometry_reply(connection, askedGeometry, nullptr));
-        const Reply<xcb_get_geometry_reply_t> frameGeometry(
-            xcb_get_geometry_reply(connection, askedFrameGeometry, nullptr));
-        const Reply<xcb_translate_coordinates_reply_t> place(
-            xcb_translate_coordinates_reply(connection, askedPlace, nullptr));
-        const Reply<xcb_get_window_attributes_reply_t> attributes(
-            xcb_get_window_attributes_reply(connection, askedAttributes, nullptr));
-        const Reply<xcb_get_window_attributes_reply_t> frameAttributes(
-            xcb_get_window_attributes_reply(connection, askedFrameAttributes, nullptr));
-        const std::vector<std::uint32_t> shadow = items(x, askedShadow);
-        const std::vector<std::uint32_t> decoration = items(x, askedDecoration);
-        const std::vector<std::uint32_t> states = items(x, askedStates);
-        const std::vector<std::uint32_t> management = items(x, askedManagement);
-
-        if (!isOfThisLineage || !geometry || !frameGeometry || !place || !attributes ||
-            !frameAttributes) {
+        const Answers answers = askAlong(x, lineage);
+        if (!answers.isComplete) {
             lineage.clear();
             continue;
         }
-        const bool isWithdrawn = management.empty() || management[0] == 0;
-        if (isWithdrawn && attributes->map_state == XCB_MAP_STATE_UNMAPPED) break;
-
-        WindowReading reading;
-        reading.client = client;
-        reading.frame = frame;
-        reading.clientArea = {static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
-                              static_cast<double>(geometry->width),
-                              static_cast<double>(geometry->height)};
-        reading.frameArea = withBorder(*frameGeometry, {static_cast<double>(frameGeometry->x),
-                                                        static_cast<double>(frameGeometry->y)});
-        const Rect clientWithBorder =
-            withBorder(*geometry, {reading.clientArea.x - geometry->border_width,
-                                   reading.clientArea.y - geometry->border_width});
-        reading.drawsOwnShadow = extents(shadow).any();
-        reading.seen =
-            seenArea(clientWithBorder, reading.frameArea, extents(shadow), extents(decoration));
-        reading.frameIsOverrideRedirect = frameAttributes->override_redirect != 0;
-        for (const std::uint32_t state : states) {
-            if (state == x.atom("_NET_WM_STATE_FULLSCREEN")) reading.states.fullscreen = true;
-            if (state == x.atom("_NET_WM_STATE_MAXIMIZED_VERT")) {
-                reading.states.maximizedVertically = true;
-            }
-            if (state == x.atom("_NET_WM_STATE_MAXIMIZED_HORZ")) {
-                reading.states.maximizedHorizontally = true;
-            }
-        }
-        return reading;
+        if (answers.isWithdrawn()) break;
+        return readingOf(x, client, lineage.back(), answers);
     }
     lineages.erase(client);
     return std::nullopt;
 }
 
-void FrameReader::watch(const WindowReading& window) const {
+void FrameReader::watch(const WindowReading& window, bool statesToo) const {
     x.select(window.frame, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    x.select(window.client, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    x.select(window.client, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    if (statesToo) x.select(window.client, XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
 
 std::optional<WindowReading> FrameReader::await(

@@ -40,6 +40,7 @@ struct WindowReading {
     xcb_window_t frame = XCB_WINDOW_NONE;  ///< the ancestor right under the root; may be the client
     Rect seen;                             ///< with decorations, without invisible borders
     Rect clientArea;                       ///< without its X border
+    double clientBorder = 0;               ///< the width of that
     Rect frameArea;                        ///< with its X border
     bool drawsOwnShadow = false;           ///< its decorations, and a shadow around, are its own
     bool frameIsOverrideRedirect = false;
@@ -67,7 +68,7 @@ public:
 
     /// Makes the server tell of every change, so that `await` misses none: to be called before the
     /// change is asked for.
-    void watch(const WindowReading& window) const;
+    void watch(const WindowReading& window, bool statesToo = false) const;
 
     /// Reads until a reading is `done`, or nothing more has happened for a while after something
     /// did, or `latest` has passed. Gives the last reading, done or not.

@@ -85,6 +85,10 @@ bool MoveLadder::movesPastIt(const Memory& memory) const {
 Point MoveLadder::correctionFor(const WindowReading& now, const Memory& memory) const {
     if (memory.correction) return *memory.correction;
     if (const auto& proven = provenCorrection[now.drawsOwnShadow ? 1 : 0]) return *proven;
+    if (traits.placesClientArea) {
+        const Point border{now.clientBorder, now.clientBorder};
+        return minus(minus(now.clientArea.origin(), border), now.seen.origin());
+    }
     // To most a window with its own shadow begins where the shadow begins.
     return now.drawsOwnShadow ? minus(now.frameArea.origin(), now.seen.origin()) : Point{};
 }

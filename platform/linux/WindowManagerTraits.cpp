@@ -13,6 +13,7 @@ constexpr bool heeds = true;
 constexpr bool paints = true;
 constexpr bool floats = true;
 constexpr bool raises = true;
+constexpr bool clientArea = true;
 
 // The longer of two names with a common start comes first.
 constexpr Known table[]{
@@ -27,7 +28,7 @@ constexpr Known table[]{
     // Each message makes the window higher by its title bar.
     {"Fluxbox", {!heeds, OffScreenMoves::carriedOut, paints, floats}},
     {"JWM", {heeds, OffScreenMoves::carriedOut, paints, floats}},
-    {"i3", {heeds, OffScreenMoves::carriedOut, paints, !floats, !raises}},
+    {"i3", {heeds, OffScreenMoves::carriedOut, paints, !floats, !raises, clientArea}},
     {"awesome", {!heeds, OffScreenMoves::carriedOut, paints, !floats}},
     {"bspwm", {!heeds, OffScreenMoves::carriedOut, paints, !floats}},
 };

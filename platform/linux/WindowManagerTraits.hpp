@@ -23,6 +23,9 @@ struct WindowManagerTraits {
     /// A request to raise a window raises it, and gives it no keyboard.
     bool raisesOnRequest = true;
 
+    /// The place in a message is that of the client's area, not of its decorations.
+    bool placesClientArea = false;
+
     bool operator==(const WindowManagerTraits&) const = default;
 };
 

@@ -117,6 +117,41 @@ TEST_P(WindowAccessOn, WindowWithItsOwnDecorationsIsTuckedToThePixelAndPutBack) 
     tuckEverywhereAndBack(window);
 }
 
+TEST_P(WindowAccessOn, ShadowThatAWindowDrawsItselfDoesNotCount) {
+    TestClient client(session.displayName());
+    const xcb_window_t window = open(client);
+    client.withdraw(window);
+    const XProbe& probe = session.probe();
+    ASSERT_TRUE(waitUntil([&] { return !GetParam() || !probe.isManaged(window); }));
+    client.connection().setProperty32(window, "_GTK_FRAME_EXTENTS", "CARDINAL", {26, 27, 23, 29});
+    // No decorations from outside, as programs ask that draw their own (Motif's hints).
+    client.connection().setProperty32(window, "_MOTIF_WM_HINTS", "_MOTIF_WM_HINTS",
+                                      {2, 0, 0, 0, 0});
+    client.map(window);
+    ASSERT_TRUE(waitUntil([&] { return probe.isViewable(window); }));
+    settle(window);
+    EXPECT_EQ(frame(handle(window)).size(), (Size{400 - 53, 300 - 52}));
+    tuckEverywhereAndBack(window);
+    EXPECT_EQ(probe.clientArea(window).value_or(Rect{}).size(), (Size{400, 300}));
+}
+
+TEST_P(WindowAccessOn, FirstFrameOfTheFirstSlideIsNotBesideItsPlace) {
+    TestClient client(session.displayName());
+    const xcb_window_t plain = open(client);
+    xcb_window_t terminal = XCB_WINDOW_NONE;
+    const ChildProcess process = start({"xterm", "-geometry", "60x20+300+200"}, "xterm", terminal);
+    for (const xcb_window_t window : {plain, terminal}) {
+        settle(window);
+        EXPECT_EQ(access().setOrigin(handle(window), {500, 300}, MoveStep::intermediate), 0);
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                return seen(window).origin() == Point{500, 300};
+            },
+            1s))
+            << testing::PrintToString(seen(window));
+    }
+}
+
 TEST_P(WindowAccessOn, SlideEndsWhereItWasSentAndComesBack) {
     TestClient client(session.displayName());
     const xcb_window_t window = open(client);

@@ -1,0 +1,84 @@
+#include "benchmarks/Contestants.hpp"
+
+#include <signal.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <stdexcept>
+
+namespace quorvel::bench {
+namespace {
+
+constexpr const char* terminalEntry = "/usr/share/applications/debian-xterm.desktop";
+
+std::filesystem::path defaultsFile(Stage& stage) {
+    return std::filesystem::path(stage.session().environment().at("XDG_CONFIG_HOME")) /
+           "com.tessivane.quorvel" / "defaults.json";
+}
+
+void writeDefaults(Stage& stage, const std::string& placements) {
+    const std::filesystem::path file = defaultsFile(stage);
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << R"({"AppBindings": [{"appPath": ")" << terminalEntry
+                        << R"(", "hotKey": "control,option,T", "autoTuck": "false"}],)"
+                        << R"( "Placements": [)" << placements << R"(], "TuckAnimation": "slide",)"
+                        << R"( "DidOfferLoginItem": true, "DidFlattenPlacements": true,)"
+                        << R"( "DidMigrateLegacySettings": true})" << '\n';
+}
+
+/// The identifier of the only display that the program has come to know; empty before.
+std::string knownDisplay(Stage& stage) {
+    std::ifstream stream(defaultsFile(stage));
+    const std::string content{std::istreambuf_iterator<char>(stream), {}};
+    const std::regex entry(R"re("KnownDisplays"\s*:\s*\{\s*"([^"]+)")re");
+    std::smatch found;
+    return std::regex_search(content, found, entry) ? found[1].str() : std::string();
+}
+
+}  // namespace
+
+void Contestants::configureProgram(Stage& stage) {
+    writeDefaults(stage, "");
+}
+
+void Contestants::configureProgramWithEdge(Stage& stage) const {
+    configureProgram(stage);
+    test::ChildProcess process = startProgram(stage);
+    std::string display;
+    if (!test::waitUntil([&] { return !(display = knownDisplay(stage)).empty(); })) {
+        throw std::runtime_error("the program does not store the display that it runs on");
+    }
+    endProgram(process);
+    writeDefaults(stage, std::string(R"({"appPath": ")") + terminalEntry + R"(", "display": ")" +
+                             display + R"(", "corner": "none", "tuckEdge": "left"})");
+}
+
+test::ChildProcess Contestants::startProgram(Stage& stage) const {
+    return stage.session().start({program.string()});
+}
+
+void Contestants::endProgram(test::ChildProcess& process) {
+    process.signal(SIGTERM);
+    if (process.waitForExit() != 0) throw std::runtime_error("the program does not end when asked");
+}
+
+test::ChildProcess Contestants::startFloor(Stage& stage) const {
+    return stage.session().start(
+        {floor.string(), "activate", std::to_string(stage.terminal()), keysymT});
+}
+
+test::ChildProcess Contestants::startSlidingFloor(Stage& stage, xcb_window_t window,
+                                                  int distance) const {
+    return stage.session().start(
+        {floor.string(), "slide", std::to_string(window), keysymY, std::to_string(distance)});
+}
+
+test::ChildProcess Contestants::startSxhkd(Stage& stage) {
+    const auto configuration =
+        stage.session().folder().write("sxhkdrc", "ctrl + alt + t\n    wmctrl -xa xterm.XTerm\n");
+    return stage.session().start({"sxhkd", "-c", configuration.string()},
+                                 {{"SXHKD_SHELL", "/bin/sh"}});
+}
+
+}  // namespace quorvel::bench

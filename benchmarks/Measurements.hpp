@@ -1,0 +1,21 @@
+#pragma once
+
+#include <vector>
+
+#include "benchmarks/Contestants.hpp"
+#include "benchmarks/Figures.hpp"
+
+namespace quorvel::bench {
+
+/// From the press to the active window; then memory and wake-ups of the same processes at rest.
+/// Each contestant has a desktop of its own, so that none of them hears of another's events; they
+/// press in turn.
+std::vector<Row> measureResidents(const Contestants& contestants);
+
+/// From the start of the process to its first answer, in turn on one desktop.
+std::vector<Row> measureStarts(const Contestants& contestants);
+
+/// Slides of the terminal to the left edge and back, under each window manager.
+std::vector<Row> measureSlides(const Contestants& contestants);
+
+}  // namespace quorvel::bench

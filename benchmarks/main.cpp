@@ -1,0 +1,72 @@
+// Prints one table: each figure beside its baseline from the same run. The baselines are the least
+// that a program can do (floor.cpp) and a well-known hot-key daemon.
+//
+//   quorvel-bench PROGRAM FLOOR [residents|starts|slides …]
+
+#include <sys/utsname.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "benchmarks/Measurements.hpp"
+
+namespace {
+
+using namespace quorvel::bench;
+
+struct Part {
+    std::string name;
+    std::vector<Row> (*measure)(const Contestants&);
+};
+
+const std::vector<Part> parts{
+    {"residents", measureResidents}, {"starts", measureStarts}, {"slides", measureSlides}};
+
+std::string machine() {
+    utsname names{};
+    uname(&names);
+    double load = 0;
+    getloadavg(&load, 1);
+    return "Linux " + std::string(names.release) + ", " +
+           std::to_string(std::thread::hardware_concurrency()) + " cores, load " + text(load, 2);
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    const std::vector<std::string> given(arguments, arguments + argumentCount);
+    if (given.size() < 3) {
+        std::cerr << "usage: quorvel-bench PROGRAM FLOOR [residents|starts|slides …]\n";
+        return 2;
+    }
+    const Contestants contestants{given[1], given[2]};
+    const auto isWanted = [&](const Part& part) {
+        return given.size() == 3 ||
+               std::find(given.begin() + 3, given.end(), part.name) != given.end();
+    };
+    try {
+        const Instant start = Clock::now();
+        const std::string before = machine();
+        std::vector<Row> rows;
+        for (const Part& part : parts) {
+            if (!isWanted(part)) continue;
+            const std::vector<Row> more = part.measure(contestants);
+            rows.insert(rows.end(), more.begin(), more.end());
+        }
+        std::cout << "Xvfb, openbox where no other window manager is named. " << before
+                  << " before, " << machine().substr(machine().find("load")) << " after, "
+                  << text(milliseconds(Clock::now() - start) / 1000, 0) << " s.\n\n"
+                  << table(rows)
+                  << "\nfloor: a bare xcb program that does only this. sxhkd runs `wmctrl -xa`. "
+                     "MB are millions of bytes.\n";
+    } catch (const std::exception& failure) {
+        std::cerr << "quorvel-bench: " << failure.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
