@@ -1,8 +1,11 @@
 // The composition root: makes the desktop of this platform and the program, and lets it run.
 
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,15 +15,53 @@
 #include "main/shell/LogFile.hpp"
 #include "platform/linux/ExecutablePath.hpp"
 #include "platform/linux/PosixFiles.hpp"
+#include "platform/linux/SharedModule.hpp"
 #include "platform/linux/SingleInstance.hpp"
 #include "platform/linux/StandardErrorLog.hpp"
+#include "platform/linux/X11Desktop.hpp"
 #include "platform/linux/XConnection.hpp"
 #include "platform/linux/XdgFolders.hpp"
 #include "platform/linux/XdgLoginItem.hpp"
 
-int main(int argc, char** argv) {
-    using namespace quorvel;
+namespace quorvel {
+namespace {
 
+/// Ends the process: with the server everything is gone that could be put in order.
+[[noreturn]] void endWithoutServer(Log& log) {
+    log.line("Quorvel: the X server has gone");
+    std::_Exit(EXIT_FAILURE);
+}
+
+/// Beside the program in a build folder, else where it is installed.
+std::vector<std::string> moduleFolders(const std::string& executable) {
+    return {std::filesystem::path(executable).parent_path(), QUORVEL_MODULE_FOLDER};
+}
+
+/// The interface, loaded when it is first asked for.
+class LoadedInterface {
+public:
+    LoadedInterface(native::SharedModule module, Log& log) : module(std::move(module)), log(log) {}
+
+    void setHost(InterfaceHost newHost) { host.emplace(std::move(newHost)); }
+
+    /// Null, with a line in the log, when it cannot be had.
+    Interface* get() {
+        if (interface || !host) return interface.get();
+        void* const entry = module.symbol(interfaceEntryName);
+        if (entry == nullptr) return nullptr;
+        interface.reset(reinterpret_cast<CreateInterface>(entry)(interfaceVersion, &*host));
+        if (!interface) log.line("Quorvel: the interface module does not fit this program");
+        return interface.get();
+    }
+
+private:
+    native::SharedModule module;
+    Log& log;
+    std::optional<InterfaceHost> host;
+    std::unique_ptr<Interface> interface;
+};
+
+int run(int argc, char** argv) {
     const std::string executable = native::executablePath();
     native::PosixFiles files;
     const auto folders = native::XdgFolders::fromEnvironment(files.homeDirectory());
@@ -29,7 +70,7 @@ int main(int argc, char** argv) {
             return argument == "--unregister-login-item";
         })) {
         static_cast<void>(loginItem.unregisterItem());
-        return 0;
+        return EXIT_SUCCESS;
     }
 
     redirectStandardStreamsToLogFile(executable, files.homeDirectory());
@@ -39,7 +80,45 @@ int main(int argc, char** argv) {
     const auto x = native::XConnection::open("", reason);
     if (!x) {
         log.line("Quorvel: cannot start — " + reason);
-        return 1;
+        return EXIT_FAILURE;
     }
-    return 0;
+    const Subscription lost = x->onLost([&log] { endWithoutServer(log); });
+    const auto endIfServerIsGone = [&] {
+        x->readPending();
+        if (x->isLost()) endWithoutServer(log);
+    };
+
+    const native::SingleInstance instance(*x);
+    endIfServerIsGone();
+    if (!instance.isFirst()) return EXIT_SUCCESS;
+
+    LoadedInterface interface(
+        native::SharedModule(interfaceModuleName, moduleFolders(executable), log), log);
+    const auto prompt = [&interface](const std::string& why, std::function<void()> closed) {
+        if (Interface* const shown = interface.get()) {
+            shown->showPrompt(why, std::move(closed));
+        } else {
+            closed();
+        }
+    };
+    native::X11Desktop platform(*x, folders, log, files, loginItem, prompt);
+    const Desktop desktop = platform.desktop();
+    interface.setHost({desktop,
+                       [&platform](std::uint64_t window) { platform.bringToFront(window); },
+                       endIfServerIsGone});
+
+    Application application(desktop.runLoop);
+    LauncherController controller(desktop, application, [&interface] { return interface.get(); });
+    application.setDelegate(controller);
+    return application.run();
+}
+
+}  // namespace
+}  // namespace quorvel
+
+int main(int argc, char** argv) {
+    // The reasons that libraries give are for the user to read; numbers stay as they are.
+    std::setlocale(LC_CTYPE, "");
+    std::setlocale(LC_MESSAGES, "");
+    return quorvel::run(argc, argv);
 }
