@@ -23,10 +23,11 @@ public:
     void forget(xcb_window_t window);
 
 private:
+    XConnection& x;
     WindowElement last = 0;
     std::unordered_map<xcb_window_t, WindowElement> elements;
     std::unordered_map<WindowElement, xcb_window_t> windows;
-    Subscription events;
+    Subscription destructions;
 };
 
 }  // namespace quorvel::native

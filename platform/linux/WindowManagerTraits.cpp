@@ -19,7 +19,7 @@ constexpr bool clientArea = true;
 constexpr Known table[]{
     {"Openbox", {heeds, OffScreenMoves::clamped, paints, floats}},
     {"Xfwm4", {heeds, OffScreenMoves::clamped, paints, floats, !raises}},
-    {"Metacity (Marco)", {heeds, OffScreenMoves::clamped, paints, floats}},
+    {"Metacity (Marco)", {heeds, OffScreenMoves::clamped, paints, floats, !raises}},
     {"Metacity", {heeds, OffScreenMoves::clamped, paints, floats}, !paints},
     {"Mutter", {heeds, OffScreenMoves::clamped, !paints, floats}},
     {"GNOME Shell", {heeds, OffScreenMoves::clamped, !paints, floats}},

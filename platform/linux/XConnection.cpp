@@ -161,6 +161,10 @@ Subscription XConnection::onEvent(std::function<void(const xcb_generic_event_t&)
     return eventSubscribers.add(std::move(handler));
 }
 
+Subscription XConnection::onArrival(std::function<void(const xcb_generic_event_t&)> handler) {
+    return arrivalSubscribers.add(std::move(handler));
+}
+
 Subscription XConnection::onError(std::function<void(const xcb_generic_error_t&)> handler) {
     return errorSubscribers.add(std::move(handler));
 }
@@ -192,6 +196,7 @@ bool XConnection::take(xcb_generic_event_t* event) {
     if (const xcb_timestamp_t time = timestampOf(*event); time != XCB_CURRENT_TIME) {
         timestamp = time;
     }
+    if (event->response_type != 0) arrivalSubscribers.notify(*event);
     queue.push_back(std::move(owner));
     return true;
 }

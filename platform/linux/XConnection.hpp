@@ -56,6 +56,9 @@ public:
     /// All events except errors, as they came; the response type still carries the bit of a sent
     /// event (0x80).
     [[nodiscard]] Subscription onEvent(std::function<void(const xcb_generic_event_t&)> handler);
+    /// Each event as it is read, before its turn has come: for tables that must not lag behind the
+    /// answers of the server. The handler calls nothing here.
+    [[nodiscard]] Subscription onArrival(std::function<void(const xcb_generic_event_t&)> handler);
     /// Errors of requests that nobody checks.
     [[nodiscard]] Subscription onError(std::function<void(const xcb_generic_error_t&)> handler);
     /// The server has gone. Called once, from `dispatch`.
@@ -107,6 +110,7 @@ private:
     xcb_timestamp_t timestamp = 0;
     bool lostReported = false;
     Subscribers<const xcb_generic_event_t&> eventSubscribers;
+    Subscribers<const xcb_generic_event_t&> arrivalSubscribers;
     Subscribers<const xcb_generic_error_t&> errorSubscribers;
     Subscribers<> lostSubscribers;
 };
