@@ -81,9 +81,14 @@ const DesktopEntry* entryOf(const WindowEvidence& evidence, const DesktopEntries
 
     if (!process) return nullptr;
     if (const Entry entry = named(process->desktopFileHint, entries)) return entry;
-    // Whatever a program starts inherits the variables; only its own process is meant by them.
-    if (process->launchedPid == process->pid) {
-        if (const Entry entry = named(process->launchedDesktopFile, entries)) return entry;
+    // Whatever a program starts inherits the variables; only its own process is meant by them, or
+    // that of the entry's own script, which is there for nothing but to start it.
+    if (const Entry entry = named(process->launchedDesktopFile, entries)) {
+        if (process->launchedPid == process->pid) return entry;
+        if (process->launchedPid == process->parentPid && !process->parentScript.empty() &&
+            entry->program == process->parentScript) {
+            return entry;
+        }
     }
     if (const Entry entry = byProgram(process->program, process->programName, entries)) {
         return entry;

@@ -59,6 +59,7 @@ struct ClientWindows::Atoms {
         : wmState(x.atom("WM_STATE")),
           netState(x.atom("_NET_WM_STATE")),
           hidden(x.atom("_NET_WM_STATE_HIDDEN")),
+          shaded(x.atom("_NET_WM_STATE_SHADED")),
           modal(x.atom("_NET_WM_STATE_MODAL")),
           type(x.atom("_NET_WM_WINDOW_TYPE")),
           normal(x.atom("_NET_WM_WINDOW_TYPE_NORMAL")),
@@ -89,7 +90,7 @@ struct ClientWindows::Atoms {
         return std::nullopt;
     }
 
-    xcb_atom_t wmState, netState, hidden, modal, type, normal, dialog;
+    xcb_atom_t wmState, netState, hidden, shaded, modal, type, normal, dialog;
     std::array<xcb_atom_t, 2> furniture;
     std::vector<xcb_atom_t> accessories;
     xcb_atom_t gtkApplicationId, kdeDesktopFile, pid, desktop, clientList, activeWindow;
@@ -111,6 +112,7 @@ ClientWindows::ClientWindows(XConnection& x, WindowManagerInfo& manager)
     const xcb_query_extension_reply_t* extension = xcb_get_extension_data(x.xcb(), &xcb_res_id);
     tellsPids = extension != nullptr && extension->present != 0;
     if (!manager.isRunning()) x.selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    tellsHidden = manager.supports("_NET_WM_STATE_HIDDEN");
     activeWindow = readActive();
     if (activeWindow != XCB_WINDOW_NONE) activity.push_back(activeWindow);
 }
@@ -175,9 +177,21 @@ xcb_window_t ClientWindows::topmost(const std::vector<xcb_window_t>& windows) co
     return order.empty() ? windows.front() : order.front();
 }
 
+bool ClientWindows::isOnCurrentDesktop(xcb_window_t window) {
+    const ClientWindow* client = find(window);
+    if (client == nullptr || client->desktop.value_or(allDesktops) == allDesktops) return true;
+    const auto current = x.property32(x.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL);
+    return current.empty() || current.front() == client->desktop;
+}
+
 void ClientWindows::activate(xcb_window_t window) {
     if (manager.isRunning()) {
         constexpr std::uint32_t fromPager = 2;
+        // Not every window manager changes the workspace for a window that is to be active.
+        if (!isOnCurrentDesktop(window)) {
+            const std::uint32_t desktop = find(window)->desktop.value_or(allDesktops);
+            x.sendToRoot(x.root(), "_NET_CURRENT_DESKTOP", {desktop, x.serverTime(), 0, 0, 0});
+        }
         x.sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, x.serverTime(), 0, 0, 0});
         return;
     }
@@ -232,7 +246,11 @@ void ClientWindows::handle(const xcb_generic_event_t& event) {
 void ClientWindows::handleProperty(const xcb_property_notify_event_t& change) {
     if (change.window == x.root()) {
         if (change.atom == atoms->clientList) listChanged();
-        if (change.atom == atoms->activeWindow) setActive(readActive());
+        if (change.atom == atoms->activeWindow) {
+            // It may have changed there and back since; whoever counts on the difference is told.
+            remember(readActive());
+            activeHandlers.notify();
+        }
         return;
     }
     const bool isState = isOneOf(change.atom, atoms->wmState, atoms->netState, atoms->desktop);
@@ -246,6 +264,7 @@ void ClientWindows::handleProperty(const xcb_property_notify_event_t& change) {
 
 void ClientWindows::managerChanged() {
     if (!manager.isRunning()) x.selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    tellsHidden = manager.supports("_NET_WM_STATE_HIDDEN");
     known.clear();
     listChanged();
     setActive(readActive());
@@ -260,12 +279,15 @@ void ClientWindows::listChanged() {
 
 void ClientWindows::setActive(xcb_window_t window) {
     if (window == activeWindow) return;
-    activeWindow = window;
-    if (window != XCB_WINDOW_NONE) {
-        std::erase(activity, window);
-        activity.insert(activity.begin(), window);
-    }
+    remember(window);
     activeHandlers.notify();
+}
+
+void ClientWindows::remember(xcb_window_t active) {
+    activeWindow = active;
+    if (active == XCB_WINDOW_NONE) return;
+    std::erase(activity, active);
+    activity.insert(activity.begin(), active);
 }
 
 xcb_window_t ClientWindows::readActive() {
@@ -416,7 +438,9 @@ std::optional<ClientWindow> ClientWindows::take(const Questions& questions) cons
     };
     client.isModal = has(atoms->modal);
     const auto state = numbersIn(wmState.get(), atoms->wmState);
-    client.isIconic = has(atoms->hidden) || (!state.empty() && state.front() == iconicState);
+    // WM_STATE is iconic in many places for windows on other workspaces too.
+    client.isIconic = tellsHidden ? has(atoms->hidden) && !has(atoms->shaded)
+                                  : !state.empty() && state.front() == iconicState;
     const auto desktops = numbersIn(desktop.get(), XCB_ATOM_CARDINAL);
     if (!desktops.empty()) client.desktop = desktops.front();
 

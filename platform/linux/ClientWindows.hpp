@@ -15,6 +15,9 @@
 
 namespace quorvel::native {
 
+/// Stands for all workspaces at once.
+inline constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
+
 /// What a top-level window says of itself and its window manager of it.
 struct ClientWindow {
     enum class Kind {
@@ -28,7 +31,7 @@ struct ClientWindow {
     xcb_window_t transientFor = XCB_WINDOW_NONE;
     bool isModal = false;
     bool isIconic = false;
-    std::optional<std::uint32_t> desktop;  ///< 0xFFFFFFFF for all
+    std::optional<std::uint32_t> desktop;  ///< a workspace, or `allDesktops`
     std::int32_t pid = 0;                  ///< 0 when unknown
     std::string instanceName;              ///< WM_CLASS, as the next one
     std::string className;
@@ -71,9 +74,13 @@ public:
     /// Of these, the one that no other covers; XCB_WINDOW_NONE of none.
     xcb_window_t topmost(const std::vector<xcb_window_t>& windows) const;
 
-    /// Gives it the keyboard, as a pager or task bar does.
+    /// True also where windows belong to no workspace.
+    bool isOnCurrentDesktop(xcb_window_t window);
+
+    /// Gives it the keyboard, as a pager or task bar does; changes to its workspace at need.
     void activate(xcb_window_t window);
 
+    /// Also when another window was active only for a moment in between.
     [[nodiscard]] Subscription onActiveChange(std::function<void()> handler);
     /// A window has come or gone.
     [[nodiscard]] Subscription onListChange(std::function<void()> handler);
@@ -88,6 +95,7 @@ private:
     void managerChanged();
     void listChanged();
     void setActive(xcb_window_t window);
+    void remember(xcb_window_t active);
     xcb_window_t readActive();
     xcb_window_t focusedClient();
     void updateList();
@@ -102,6 +110,7 @@ private:
     WindowManagerInfo& manager;
     std::shared_ptr<const Atoms> atoms;
     bool tellsPids = false;
+    bool tellsHidden = false;
     bool listIsFresh = false;
     bool activityIsSeeded = false;
     std::vector<xcb_window_t> list;

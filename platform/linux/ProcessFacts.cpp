@@ -167,7 +167,8 @@ std::optional<ProcessFacts> readProcessFacts(std::int32_t pid, const std::string
         facts.sandboxIds.push_back(snapName + "_" + snapName);
     }
 
-    const std::string parent = processFolder + "/" + std::to_string(parentOf(process));
+    facts.parentPid = parentOf(process);
+    const std::string parent = processFolder + "/" + std::to_string(facts.parentPid);
     const std::string parentExecutable = executableOf(parent);
     if (isShell(lastPathComponent(parentExecutable))) {
         const std::string script = programOfProcess(parent, parentExecutable).path;

@@ -15,6 +15,7 @@ struct ProcessFacts {
     std::string program;     ///< absolute path; the script when the executable interprets one
     /// Its base name, or that of a module; empty for an interpreter that runs neither.
     std::string programName;
+    std::int32_t parentPid = 0;
     /// The shell script that started it as its child.
     std::string parentScript;
     /// Desktop ids that its sandbox gives it, without the extension, the likeliest first.

@@ -15,8 +15,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds patience{250};
 /// Where nothing is expected, but might happen all the same.
 constexpr milliseconds hope{30};
-constexpr milliseconds activationMayFollow{300};
-constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
+constexpr milliseconds activationMayFollow{500};
 
 /// Known to have no iconic windows. Only shortens the wait that finds out.
 bool isSaidToIgnoreIconify(const WindowManagerInfo& manager) {
@@ -109,12 +108,13 @@ std::vector<xcb_window_t> WindowHider::iconify(const std::vector<xcb_window_t>& 
     const bool isHopeless = !habits.iconifies && isSaidToIgnoreIconify(manager);
     auto left = waitUntil(true, windows, isHopeless ? hope : patience);
     if (left.size() < windows.size()) habits.iconifies = true;
-    // A single dialog may be refused what any other window is granted.
-    const bool anyNormal = std::any_of(windows.begin(), windows.end(), [this](xcb_window_t window) {
+    // A dialog, or a window of another workspace, may be refused what others are granted.
+    const bool isTelling = std::any_of(left.begin(), left.end(), [this](xcb_window_t window) {
         const ClientWindow* client = clients.find(window);
-        return client != nullptr && client->kind == ClientWindow::Kind::normal;
+        return client != nullptr && client->kind == ClientWindow::Kind::normal &&
+               clients.isOnCurrentDesktop(window);
     });
-    habits.ignoresIconify = !habits.iconifies && anyNormal;
+    if (isTelling && !habits.iconifies) habits.ignoresIconify = true;
     return left;
 }
 
@@ -179,19 +179,34 @@ void WindowHider::giveKeyboardToAnother(const std::vector<xcb_window_t>& hidden)
     const xcb_window_t active = clients.activeNow();
     if (!contains(hidden, active)) return;
     activeOffscreen = active;
-    const ClientWindow* client = clients.find(active);
-    const auto desktop = client == nullptr ? std::nullopt : client->desktop;
     for (const xcb_window_t window : clients.all()) {
-        if (isHidden(window)) continue;
-        const auto other = clients.find(window)->desktop;
-        if (other && desktop && *other != *desktop && *other != allDesktops) continue;
+        if (isHidden(window) || !areTogether(window, active)) continue;
         clients.activate(window);
+        // From then on only somebody's wish makes the hidden one active again.
+        const xcb_atom_t property = x.atom("_NET_ACTIVE_WINDOW");
+        const auto deadline = Clock::now() + patience;
+        const auto changes = [&](const xcb_generic_event_t& event) {
+            return (event.response_type & 0x7F) == XCB_PROPERTY_NOTIFY &&
+                   reinterpret_cast<const xcb_property_notify_event_t&>(event).atom == property;
+        };
+        while (clients.activeNow() == active && x.waitFor(changes, deadline)) {
+        }
+        if (clients.activeNow() != active) activeOffscreen = XCB_WINDOW_NONE;
         return;
     }
 }
 
+bool WindowHider::areTogether(xcb_window_t a, xcb_window_t b) {
+    const auto desktopOf = [this](xcb_window_t window) {
+        const ClientWindow* client = clients.find(window);
+        return client == nullptr ? allDesktops : client->desktop.value_or(allDesktops);
+    };
+    const std::uint32_t first = desktopOf(a);
+    const std::uint32_t second = desktopOf(b);
+    return first == second || first == allDesktops || second == allDesktops;
+}
+
 void WindowHider::giveBackKeyboard() {
-    onlyShown.clear();
     if (rightfullyActive == XCB_WINDOW_NONE || isHidden(rightfullyActive)) return;
     clients.activate(rightfullyActive);
 }
@@ -215,16 +230,28 @@ void WindowHider::windowChanged(xcb_window_t window) {
 
 void WindowHider::activeChanged() {
     const xcb_window_t active = clients.active();
+    const xcb_window_t before = std::exchange(lastActive, active);
     if (active != activeOffscreen) {
         activeOffscreen = XCB_WINDOW_NONE;
-        // Whoever makes it active wants to see it, as with an iconic one.
-        offscreen.show(active);
+        if (offscreen.isHidden(active)) offscreenActivated(active, before);
     }
     if (onlyShown.empty()) return;
     if (Clock::now() > onlyShownUntil) {
         onlyShown.clear();
     } else if (onlyShown.contains(active)) {
         giveBackKeyboard();
+    }
+}
+
+/// Whoever makes it active wants to see it, as with an iconic one. But it may also have been the
+/// next in line when another window was closed, or when the workspace was changed.
+void WindowHider::offscreenActivated(xcb_window_t window, xcb_window_t before) {
+    const bool isNextInLine = before != XCB_WINDOW_NONE && before != window &&
+                              (!clients.isManaged(before) || !areTogether(before, window));
+    if (isNextInLine) {
+        giveKeyboardToAnother({window});
+    } else {
+        offscreen.show(window);
     }
 }
 

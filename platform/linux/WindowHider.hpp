@@ -55,9 +55,11 @@ private:
     std::vector<xcb_window_t> waitUntil(bool isIconic, std::vector<xcb_window_t> windows,
                                         std::chrono::milliseconds limit);
     void giveKeyboardToAnother(const std::vector<xcb_window_t>& hidden);
+    bool areTogether(xcb_window_t a, xcb_window_t b);
     void giveBackKeyboard();
     void windowChanged(xcb_window_t window);
     void activeChanged();
+    void offscreenActivated(xcb_window_t window, xcb_window_t before);
 
     XConnection& x;
     WindowManagerInfo& manager;
@@ -68,6 +70,7 @@ private:
 
     /// Off the screen and active nevertheless, for want of another window.
     xcb_window_t activeOffscreen = XCB_WINDOW_NONE;
+    xcb_window_t lastActive = XCB_WINDOW_NONE;
 
     // The window manager may make active what was only shown, and may take its time.
     xcb_window_t rightfullyActive = XCB_WINDOW_NONE;

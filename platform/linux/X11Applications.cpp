@@ -88,6 +88,7 @@ void X11Applications::hide(const RunningApplication& application) {
     // From the back to the front, so that the keyboard does not wander through its own windows.
     std::reverse(windows.begin(), windows.end());
     hider.hide(windows);
+    followSoon();
 }
 
 void X11Applications::unhide(const RunningApplication& application) {
@@ -96,6 +97,7 @@ void X11Applications::unhide(const RunningApplication& application) {
     auto shown = hider.toBeShown(windows);
     std::reverse(shown.begin(), shown.end());
     hider.show(shown);
+    followSoon();
 }
 
 void X11Applications::activate(const RunningApplication& application) {
@@ -107,6 +109,7 @@ void X11Applications::activate(const RunningApplication& application) {
         others.erase(others.begin());
         std::reverse(others.begin(), others.end());
         hider.showAndActivate(others, main);
+        followSoon();
         return;
     }
     const auto inSight = std::find_if(windows.begin(), windows.end(), [this](xcb_window_t window) {
@@ -189,6 +192,13 @@ std::optional<X11Applications::Front> X11Applications::currentFront() const {
 bool X11Applications::isStillThere(const Front& front) const {
     const auto windows = windowsOf(front.application);
     return !windows.empty() && !areHidden(windows);
+}
+
+/// What is hidden off the screen may stay active, and then nobody tells of a change.
+void X11Applications::followSoon() {
+    runLoop.async([this, alive = life.watch()] {
+        if (!alive.expired()) follow();
+    });
 }
 
 void X11Applications::follow() {

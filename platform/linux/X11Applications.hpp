@@ -65,6 +65,7 @@ private:
     std::optional<Front> currentFront() const;
     bool isStillThere(const Front& front) const;
     bool keepsFront() const;
+    void followSoon();
     void follow();
     void report(std::optional<Front> front);
     void renameFront() const;

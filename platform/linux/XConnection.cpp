@@ -24,6 +24,7 @@ constexpr std::array commonAtoms{
     "_NET_WM_PID",
     "_NET_WM_STATE",
     "_NET_WM_STATE_HIDDEN",
+    "_NET_WM_STATE_SHADED",
     "_NET_WM_STATE_MODAL",
     "_NET_WM_STATE_FULLSCREEN",
     "_NET_WM_STATE_MAXIMIZED_VERT",

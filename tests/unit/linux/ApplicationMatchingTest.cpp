@@ -234,6 +234,19 @@ TEST_F(ApplicationMatchingTest, ChildOfAWrapperScriptBelongsToItsEntry) {
     EXPECT_EQ(pathOf(evidence), path);
 }
 
+TEST_F(ApplicationMatchingTest, ChildOfAScriptThatNobodyLaunchedBelongsToTheScriptAtLast) {
+    const std::string script = folder.write("bin/start.sh", "").string();
+    const std::string path = install("a", "Exec=" + script);
+    FakeProcess{.pid = 7, .executable = "/usr/bin/dash", .arguments = {"sh", script}}.writeTo(
+        folder);
+    WindowEvidence evidence;
+    evidence.process = read({.executable = "/opt/foo-bin", .parent = 7});
+    EXPECT_EQ(pathOf(evidence), path);
+    const std::string own = install("b", "Exec=foo-bin");
+    entries.invalidate();
+    EXPECT_EQ(pathOf(evidence), own);
+}
+
 TEST_F(ApplicationMatchingTest, ProgramStartedInATerminalIsNotTheTerminal) {
     const std::string terminal = install("terminal", "Exec=terminal");
     FakeProcess{.pid = 7, .executable = "/usr/bin/terminal"}.writeTo(folder);
