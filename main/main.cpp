@@ -1,6 +1,7 @@
 // The composition root: makes the desktop of this platform and the program, and lets it run.
 
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -15,6 +16,7 @@
 #include "platform/linux/ExecutablePath.hpp"
 #include "platform/linux/PosixFiles.hpp"
 #include "platform/linux/SharedModule.hpp"
+#include "platform/linux/SingleInstance.hpp"
 #include "platform/linux/StandardErrorLog.hpp"
 #include "platform/linux/X11Desktop.hpp"
 #include "platform/linux/XConnection.hpp"
@@ -81,6 +83,14 @@ int run(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     const Subscription lost = x->onLost([&log] { endWithoutServer(log); });
+    const auto endIfServerIsGone = [&] {
+        x->readPending();
+        if (x->isLost()) endWithoutServer(log);
+    };
+
+    const native::SingleInstance instance(*x);
+    endIfServerIsGone();
+    if (!instance.isFirst()) return EXIT_SUCCESS;
 
     LoadedInterface interface(
         native::SharedModule(interfaceModuleName, moduleFolders(executable), log), log);
@@ -95,9 +105,7 @@ int run(int argc, char** argv) {
     const Desktop desktop = platform.desktop();
     interface.setHost({desktop,
                        [&platform](std::uint64_t window) { platform.bringToFront(window); },
-                       [&] {
-                           if (x->isLost()) endWithoutServer(log);
-                       }});
+                       endIfServerIsGone});
 
     Application application(desktop.runLoop);
     LauncherController controller(desktop, application, [&interface] { return interface.get(); });
@@ -109,5 +117,8 @@ int run(int argc, char** argv) {
 }  // namespace quorvel
 
 int main(int argc, char** argv) {
+    // The reasons that libraries give are for the user to read; numbers stay as they are.
+    std::setlocale(LC_CTYPE, "");
+    std::setlocale(LC_MESSAGES, "");
     return quorvel::run(argc, argv);
 }

@@ -28,10 +28,22 @@ Desktop X11Desktop::desktop() {
             hotKeys, applications, catalog,  windows, trust,   loginItem};
 }
 
-void X11Desktop::bringToFront(std::uint64_t window) const {
-    constexpr std::uint32_t fromPager = 2;
-    x.sendToRoot(static_cast<xcb_window_t>(window), "_NET_ACTIVE_WINDOW",
-                 {fromPager, x.lastTimestamp(), XCB_WINDOW_NONE, 0, 0});
+void X11Desktop::bringToFront(std::uint64_t identifier) const {
+    const auto window = static_cast<xcb_window_t>(identifier);
+    if (manager.isRunning()) {
+        // With the time of now: the user may have typed elsewhere since we last heard of them.
+        constexpr std::uint32_t fromPager = 2;
+        x.sendToRoot(window, "_NET_ACTIVE_WINDOW",
+                     {fromPager, x.serverTime(), XCB_WINDOW_NONE, 0, 0});
+        return;
+    }
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    for (const auto cookie :
+         {xcb_configure_window_checked(x.xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above),
+          xcb_set_input_focus_checked(x.xcb(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME)}) {
+        xcb_discard_reply(x.xcb(), cookie.sequence);
+    }
+    x.flush();
 }
 
 std::vector<Rect> X11Desktop::displaysInRoot() const {

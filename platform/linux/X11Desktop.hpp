@@ -33,8 +33,9 @@ public:
     /// Lives as long as this object.
     Desktop desktop();
 
-    /// Makes a window of our own the active one, as a pager would.
-    void bringToFront(std::uint64_t window) const;
+    /// Makes a window of our own that is on the screen the active one, as a pager would. Without a
+    /// window manager it gets the keyboard from us.
+    void bringToFront(std::uint64_t identifier) const;
 
 private:
     /// Of the attached displays, the primary one first, in root coordinates.

@@ -61,6 +61,18 @@ double X11Screens::primaryScreenMaxY() const {
     return current().primaryScreenMaxY;
 }
 
+std::vector<Rect> X11Screens::framesInRoot() const {
+    const Arrangement& now = current();
+    std::vector<Rect> frames;
+    for (const Screen& screen : now.screens) {
+        Rect frame = flipped(screen.frameCocoa, now.primaryScreenMaxY);
+        frame.x += now.axOriginInRoot.x;
+        frame.y += now.axOriginInRoot.y;
+        frames.push_back(frame);
+    }
+    return frames;
+}
+
 const X11Screens::Arrangement& X11Screens::current() const {
     if (!isStale) return arrangement;
     isStale = false;

@@ -27,6 +27,8 @@ public:
     Point axOriginInRoot() const;
     /// Cocoa y = this − AX y of a point; the height of the primary screen.
     double primaryScreenMaxY() const;
+    /// All of them in root coordinates, in the order of `screens`.
+    std::vector<Rect> framesInRoot() const;
 
 private:
     struct Monitor;

@@ -78,15 +78,17 @@ TEST_P(HotKeysContract, EachModifierAloneAndAllTogether) {
 }
 
 TEST_P(HotKeysContract, EveryKeyOfTheTableFires) {
+    // Not with control and option: there the X server itself takes F1 to F12, to change the
+    // virtual terminal.
     std::vector<std::uint32_t> expected;
     for (const KeyPosition& key : keyPositions()) {
         if (key.virtualCode == 0xFFFF) continue;
-        EXPECT_EQ(add(key.virtualCode, control | option, 1000 + key.virtualCode).status, 0)
+        EXPECT_EQ(add(key.virtualCode, control | shift, 1000 + key.virtualCode).status, 0)
             << key.name;
         expected.push_back(1000 + key.virtualCode);
     }
     for (const KeyPosition& key : keyPositions()) {
-        if (key.virtualCode != 0xFFFF) rig->press(key.name, control | option);
+        if (key.virtualCode != 0xFFFF) rig->press(key.name, control | shift);
     }
     EXPECT_TRUE(arrives(expected.size()));
     EXPECT_EQ(fired, expected);

@@ -163,6 +163,9 @@ TEST_P(WindowsContract, VanishedWindowHasNoFrameAndCannotBeMoved) {
 TEST_P(WindowsContract, HandleOfAVanishedWindowNeverMeansAnother) {
     const AXWindow before = openNotes();
     rig->kill(notes);
+    ASSERT_TRUE(
+        rig->until([&] { return !desktop.windows.readFrame(before).positionAX.has_value(); }));
+    // Its identifier is free for the next window, which may well get it.
     const AXWindow after = openNotes();
     EXPECT_NE(before, after);
     EXPECT_FALSE(desktop.windows.readFrame(before).positionAX.has_value());

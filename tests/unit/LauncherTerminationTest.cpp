@@ -87,7 +87,8 @@ TEST_F(LauncherTerminationTest, TheSignalAnswersAnAlertWithCancelAndThenEndsTheP
 
 TEST_F(LauncherTerminationTest, AfterTheSignalNoFurtherAlertDelaysTheEnd) {
     interface.answer = [&](const Alert&) {
-        press(editorKeys);  // waits in front of the termination, and is not installed either
+        // A trigger that waits in front of the termination; not installed either.
+        sim.runLoop.async([&] { controller->activateOrTuck(editor, "none"); });
         terminate();
         return 0;
     };

@@ -234,6 +234,8 @@ TEST_F(HotPlugTest, WithoutOneAtTheOriginThePrimaryOfRandrCounts) {
     EXPECT_EQ(names(), (std::vector<std::string>{"DUMMY1", "DUMMY0"}));
     EXPECT_EQ(screens.axOriginInRoot(), (Point{1280, 0}));
     EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 1920, 1080}, {-1280, -800, 1280, 800}}));
+    const std::vector<Rect> inRoot{{1280, 0, 1920, 1080}, {0, 1080, 1280, 800}};
+    EXPECT_EQ(screens.framesInRoot(), inRoot);
 
     session.server().xrandr({"--output", "DUMMY0", "--primary"});
     ASSERT_TRUE(waitForChange());

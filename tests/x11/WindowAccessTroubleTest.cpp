@@ -283,6 +283,9 @@ TEST(WindowAccessTroubleTest, UnknownWindowManagerThatKeepsWindowsOnScreenIsPass
     const int requests = desktop.manager.requests();
     desktop.slide(desktop.handle, area.origin(), {1278, 200});
     EXPECT_EQ(desktop.seen(desktop.window).origin(), (Point{1278, 200}));
+    // Nor for going where it believes the window to be all the time.
+    desktop.slide(desktop.handle, {1278, 200}, area.origin());
+    EXPECT_EQ(desktop.seen(desktop.window), area);
     EXPECT_EQ(desktop.manager.requests(), requests);
 }
 
@@ -324,6 +327,28 @@ TEST(WindowAccessTroubleTest, WindowManagerThatPutsWindowsBesideThePlaceIsCorrec
     EXPECT_EQ(desktop.move(desktop.handle, {100, 100}), 0);
     EXPECT_EQ(desktop.seen(desktop.window).origin(), (Point{100, 100}));
     EXPECT_EQ(desktop.manager.requests(), 3) << "the correction is remembered";
+}
+
+TEST(WindowAccessTroubleTest, WhatWasLearntEndsWithTheWindowManager) {
+    const auto beside = [](const Rect&, Point asked) { return Point{asked.x - 3, asked.y + 17}; };
+    WindowAccessTrouble desktop({.windowManager = std::nullopt});
+    TestClient client(desktop.session.displayName());
+    auto manager = std::make_unique<TinyManager>(
+        desktop.session.displayName(),
+        TinyManager::Behaviour{.onMessage = beside, .onConfigure = beside});
+    const xcb_window_t window = desktop.openUnlisted(client, {.area = area});
+    const AXWindow handle = desktop.handle(window);
+    EXPECT_EQ(desktop.move(handle, {100, 100}), 0);
+    EXPECT_EQ(manager->requests(), 2);
+
+    // The next one may well be given the identifiers of the one before.
+    manager.reset();
+    manager = std::make_unique<TinyManager>(
+        desktop.session.displayName(),
+        TinyManager::Behaviour{.onMessage = TinyManager::obeys, .onConfigure = TinyManager::obeys});
+    EXPECT_EQ(desktop.move(handle, {500, 100}), 0);
+    EXPECT_EQ(desktop.seen(window).origin(), (Point{500, 100}));
+    EXPECT_EQ(manager->requests(), 1);
 }
 
 TEST(WindowAccessTroubleTest, CompositedDesktopThatPaintsFramesElsewhereKeepsTheClamp) {
