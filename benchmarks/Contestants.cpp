@@ -44,9 +44,12 @@ void Contestants::configureProgram(Stage& stage) {
 
 void Contestants::configureProgramWithEdge(Stage& stage) const {
     configureProgram(stage);
+    stage.activateOther();
     test::ChildProcess process = startProgram(stage);
-    std::string display;
-    if (!test::waitUntil([&] { return !(display = knownDisplay(stage)).empty(); })) {
+    // It stores the display on its way up, and ends in order once it is up.
+    if (!stage.firstAnswer()) throw std::runtime_error("Quorvel does not answer");
+    const std::string display = knownDisplay(stage);
+    if (display.empty()) {
         throw std::runtime_error("the program does not store the display that it runs on");
     }
     endProgram(process);

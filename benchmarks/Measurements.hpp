@@ -15,7 +15,7 @@ std::vector<Row> measureResidents(const Contestants& contestants);
 /// From the start of the process to its first answer, in turn on one desktop.
 std::vector<Row> measureStarts(const Contestants& contestants);
 
-/// Slides of the terminal to the left edge and back, under each window manager.
-std::vector<Row> measureSlides(const Contestants& contestants);
+/// Slides of the terminal to the left edge and back, under one window manager.
+std::vector<Row> measureSlides(const Contestants& contestants, test::WindowManagerKind kind);
 
 }  // namespace quorvel::bench

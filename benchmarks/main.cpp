@@ -1,13 +1,16 @@
 // Prints one table: each figure beside its baseline from the same run. The baselines are the least
 // that a program can do (floor.cpp) and a well-known hot-key daemon.
 //
-//   quorvel-bench PROGRAM FLOOR [residents|starts|slides …]
+//   quorvel-bench PROGRAM FLOOR [residents|starts|slides|NAME …]
+//
+// measures all, or only the parts that are named; NAME is a window manager to slide under.
 
 #include <sys/utsname.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <thread>
@@ -20,12 +23,20 @@ namespace {
 using namespace quorvel::bench;
 
 struct Part {
+    std::string group;
     std::string name;
-    std::vector<Row> (*measure)(const Contestants&);
+    std::function<std::vector<Row>(const Contestants&)> measure;
 };
 
-const std::vector<Part> parts{
-    {"residents", measureResidents}, {"starts", measureStarts}, {"slides", measureSlides}};
+std::vector<Part> allParts() {
+    std::vector<Part> parts{{"residents", "residents", measureResidents},
+                            {"starts", "starts", measureStarts}};
+    for (const auto kind : quorvel::test::allWindowManagers()) {
+        parts.push_back({"slides", quorvel::test::nameOf(kind),
+                         [kind](const Contestants& all) { return measureSlides(all, kind); }});
+    }
+    return parts;
+}
 
 std::string machine() {
     utsname names{};
@@ -41,19 +52,21 @@ std::string machine() {
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> given(arguments, arguments + argumentCount);
     if (given.size() < 3) {
-        std::cerr << "usage: quorvel-bench PROGRAM FLOOR [residents|starts|slides …]\n";
+        std::cerr << "usage: quorvel-bench PROGRAM FLOOR [residents|starts|slides|NAME …]\n";
         return 2;
     }
     const Contestants contestants{given[1], given[2]};
     const auto isWanted = [&](const Part& part) {
         return given.size() == 3 ||
-               std::find(given.begin() + 3, given.end(), part.name) != given.end();
+               std::any_of(given.begin() + 3, given.end(), [&](const std::string& word) {
+                   return word == part.group || word == part.name;
+               });
     };
     try {
         const Instant start = Clock::now();
         const std::string before = machine();
         std::vector<Row> rows;
-        for (const Part& part : parts) {
+        for (const Part& part : allParts()) {
             if (!isWanted(part)) continue;
             const std::vector<Row> more = part.measure(contestants);
             rows.insert(rows.end(), more.begin(), more.end());
