@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <utility>
+#include <vector>
 
 namespace quorvel {
 namespace {
@@ -51,11 +52,22 @@ void TuckAnimator::tick(AXWindow window) {
                            slide.from.y + (slide.to.y - slide.from.y) * p};
         if (windows.setOriginAX(origin, window, MoveStep::intermediate)) return;
     }
-    // Over, one way or the other. The completion may start the next move of this window, or bring
-    // about the end of this object.
-    auto ended = timers.extract(at);
-    const bool written = fraction >= 1 && windows.setOriginAX(slide.to, window);
-    if (const Completion completion = std::move(ended.mapped().completion)) completion(written);
+    finish(window, fraction >= 1);
+}
+
+void TuckAnimator::finish(AXWindow window, bool isOver) {
+    // The completion may start the next move of this window, or bring about the end of this object.
+    auto ended = timers.extract(window);
+    if (ended.empty()) return;
+    const Slide& slide = ended.mapped();
+    const bool written = isOver && windows.setOriginAX(slide.to, window);
+    if (const Completion completion = slide.completion) completion(written);
+}
+
+void TuckAnimator::finishAll() {
+    std::vector<AXWindow> moving;
+    for (const auto& [window, slide] : timers) moving.push_back(window);
+    for (const AXWindow window : moving) finish(window, true);
 }
 
 }  // namespace quorvel

@@ -27,12 +27,16 @@ public:
     /// Stops a running slide where it stands; its completion is not called.
     void cancel(AXWindow window);
 
+    /// Takes every window that is on its way there at once, as if its time were over.
+    void finishAll();
+
     bool isMoving(AXWindow window) const { return timers.contains(window); }
     /// Where the running slide of a window takes it, in AX space.
     std::optional<Point> destination(AXWindow window) const;
 
 private:
     void tick(AXWindow window);
+    void finish(AXWindow window, bool isOver);
 
     struct Slide {
         Point from;

@@ -113,6 +113,8 @@ void TuckController::untuckAll() {
     for (const AXWindow window : std::vector(registry.order)) {
         untuck(window, TuckAnimationStyle::instant, false);
     }
+    // Those that were on their way home already are in the registry no more.
+    animator.finishAll();
     for (const RunningApplication& application : applications.runningApplications()) {
         if (application.bundlePath && hiddenApps.contains(*application.bundlePath)) {
             applications.unhide(application);
