@@ -21,7 +21,11 @@ std::string jsonText(std::string_view text) {
     std::string result = "\"";
     for (const char c : text) {
         if (c == '"' || c == '\\') result += '\\';
-        result += c;
+        if (c == '\n') {
+            result += "\\n";
+        } else {
+            result += c;
+        }
     }
     return result + "\"";
 }

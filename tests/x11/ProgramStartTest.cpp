@@ -114,8 +114,8 @@ TEST_F(ProgramStartTest, ValuesOfTheWrongTypeAreTakenForMissing) {
     EXPECT_EQ(program.terminate(), 0);
 }
 
-TEST_F(ProgramStartTest, ABadRecordDoesNotKeepTheGoodOnesOut) {
-    program.writeSettings(R"({"AppBindings": [7, null, {"appPath": 3}, {"hotKey": "control,Q"},
+TEST_F(ProgramStartTest, ARecordWithoutAnApplicationDoesNotKeepTheOthersOut) {
+    program.writeSettings(R"({"AppBindings": [{"hotKey": "control,Q"}, {"appPath": "  "},
         {"appPath": ")" + program.path +
                           R"(", "hotKey": "control,option,N"}],
         "DidFlattenPlacements": true, "DidMigrateLegacySettings": true, "DidOfferLoginItem": true})");
@@ -123,6 +123,16 @@ TEST_F(ProgramStartTest, ABadRecordDoesNotKeepTheGoodOnesOut) {
     EXPECT_THAT(program.logLines(), testing::ElementsAreArray(boundStart()));
     program.press(program.shortcut);
     EXPECT_TRUE(program.waitUntilActive(program.notes.waitForWindow()));
+}
+
+TEST_F(ProgramStartTest, AListThatHoldsMoreThanRecordsIsNoList) {
+    program.writeSettings(R"({"AppBindings": [7,
+        {"appPath": ")" + program.path +
+                          R"(", "hotKey": "control,option,N"}],
+        "DidFlattenPlacements": true, "DidMigrateLegacySettings": true, "DidOfferLoginItem": true})");
+    program.start();
+    EXPECT_THAT(program.logLines(), testing::ElementsAreArray(emptyStart));
+    program.waitForOwnWindow();
 }
 
 TEST_F(ProgramStartTest, WithoutASessionBusItWorks) {
