@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/x11/AccessibleTree.hpp"
 #include "tests/x11/ProgramOnX.hpp"
 
 namespace quorvel::test {
@@ -11,6 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 class ProgramAlertsTest : public testing::Test {
 protected:
@@ -19,6 +21,23 @@ protected:
     void start(const std::string& boundPath) {
         program.bind({{boundPath, program.shortcut}});
         program.start();
+    }
+
+    /// The texts and the buttons of what is shown.
+    std::vector<AccessibleNode> shownBy(const std::string& boundPath) {
+        program.bind({{boundPath, program.shortcut}});
+        program.start({.environment = {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}}});
+        program.press(program.shortcut);
+        program.waitForOwnWindow();
+        std::vector<AccessibleNode> shown;
+        waitUntil([&] {
+            shown = accessibleTree(program.session.bus().address(), "Quorvel");
+            std::erase_if(shown, [](const AccessibleNode& node) {
+                return node.name.empty() || (node.role != "label" && node.role != "push button");
+            });
+            return !shown.empty();
+        });
+        return shown;
     }
 
     xcb_window_t alertFor(const std::string& boundPath) {
@@ -119,10 +138,37 @@ TEST_F(ProgramAlertsTest, AnEntryThatIsNoneIsToldAndLogged) {
     EXPECT_EQ(program.terminate(), 0);
 }
 
+TEST_F(ProgramAlertsTest, TheMissingApplicationsAlertHasItsTextsAndButtons) {
+    const std::string path = "/opt/nowhere/Missing Program.desktop";
+    EXPECT_THAT(shownBy(path),
+                UnorderedElementsAre(
+                    AccessibleNode{"label", "Missing Program not found"},
+                    AccessibleNode{"label", "Nothing is installed at:\n" + path +
+                                                "\n\nChoose a different application in Settings."},
+                    AccessibleNode{"push button", "Open Settings…"},
+                    AccessibleNode{"push button", "Cancel"}));
+}
+
+TEST_F(ProgramAlertsTest, TheFailedOpeningsAlertHasItsTextsAndButton) {
+    const std::string path = entry("/opt/nowhere/program");
+    EXPECT_THAT(
+        shownBy(path),
+        UnorderedElementsAre(AccessibleNode{"label", "Could not open Failing Program"},
+                             AccessibleNode{"label", "The program “/opt/nowhere/program” of “" +
+                                                         path + "” is not installed."},
+                             AccessibleNode{"push button", "OK"}));
+}
+
 TEST_F(ProgramAlertsTest, TextsThatLookLikeMarkupAreShownAsTheyAre) {
-    alertFor("/opt/nowhere/<b>bold</b> & %s %@ \n two lines.desktop");
+    const std::string path = "/opt/nowhere/<b>bold<b> &amp; %s %@\nof two lines.desktop";
+    EXPECT_THAT(shownBy(path),
+                UnorderedElementsAre(
+                    AccessibleNode{"label", "<b>bold<b> &amp; %s %@\nof two lines not found"},
+                    AccessibleNode{"label", "Nothing is installed at:\n" + path +
+                                                "\n\nChoose a different application in Settings."},
+                    AccessibleNode{"push button", "Open Settings…"},
+                    AccessibleNode{"push button", "Cancel"}));
     keepPicture("program-missing-markup");
-    EXPECT_EQ(program.terminate(), 0);
 }
 
 TEST_F(ProgramAlertsTest, AProgramThatEndsAtOnceIsNoFailureToOpen) {
@@ -161,7 +207,6 @@ TEST_F(ProgramWithoutManagerTest, ItStartsAndSaysThatItMayNotMoveWindows) {
 
 TEST_F(ProgramWithoutManagerTest, ATuckIsRefusedWithALineAndAnExplanation) {
     const xcb_window_t window = program.startWithWindow("left");
-    const Rect home = program.seen(window);
     program.session.windowManager()->kill();
     ASSERT_TRUE(waitUntil([&] { return program.probe().frameOf(window) == window; }));
     const Rect bare = program.seen(window);
@@ -169,11 +214,11 @@ TEST_F(ProgramWithoutManagerTest, ATuckIsRefusedWithALineAndAnExplanation) {
     program.press(program.shortcut);
     ASSERT_TRUE(program.waitForLine("Quorvel: tuck requested but Accessibility is not granted."));
     EXPECT_TRUE(waitUntil([&] { return promptWindow() != XCB_WINDOW_NONE; }));
+    fs::create_directories(QUORVEL_PICTURES);
     program.probe().screenshot(fs::path(QUORVEL_PICTURES) / "program-not-granted.png");
     EXPECT_EQ(program.seen(window), bare);
     EXPECT_EQ(program.notes.launches(), 1);
     EXPECT_EQ(program.terminate(), 0);
-    static_cast<void>(home);
 }
 
 }  // namespace
