@@ -27,6 +27,9 @@ public:
     /// Stops a running slide where it stands; its completion is not called.
     void cancel(AXWindow window);
 
+    /// Ends every running slide at its goal, at once and with its completion.
+    void finishAll();
+
     bool isMoving(AXWindow window) const { return timers.contains(window); }
     /// Where the running slide of a window takes it, in AX space.
     std::optional<Point> destination(AXWindow window) const;

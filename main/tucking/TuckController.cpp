@@ -113,6 +113,8 @@ void TuckController::untuckAll() {
     for (const AXWindow window : std::vector(registry.order)) {
         untuck(window, TuckAnimationStyle::instant, false);
     }
+    // What still moves is on its way home, and nobody will see it there later.
+    animator.finishAll();
     for (const RunningApplication& application : applications.runningApplications()) {
         if (application.bundlePath && hiddenApps.contains(*application.bundlePath)) {
             applications.unhide(application);
