@@ -211,6 +211,22 @@ TEST_F(TuckAnimatorTest, CancelStopsWhereItStandsWithoutACompletion) {
     animator->cancel(window);
 }
 
+TEST_F(TuckAnimatorTest, FinishingEndsEverySlideAtItsGoalWithItsCompletion) {
+    const AXWindow other =
+        desktop.start("/usr/share/applications/browser.desktop", {300, 0, 400, 300});
+    animator->move(window, {0, 100}, {-798, 100}, Style::slide, note());
+    animator->move(other, {300, 0}, {1438, 0}, Style::spring, note());
+    desktop.advance(80ms);
+    animator->finishAll();
+    EXPECT_EQ(completions, (std::vector<bool>{true, true}));
+    EXPECT_EQ(desktop.frameAX(window)->x, -798);
+    EXPECT_EQ(desktop.frameAX(other)->x, 1438);
+    EXPECT_EQ(desktop.windows.moves.back().step, MoveStep::final);
+    EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
+    animator->finishAll();
+    EXPECT_EQ(completions.size(), 2u);
+}
+
 TEST_F(TuckAnimatorTest, ACompletionMayStartTheNextMove) {
     animator->move(window, {0, 100}, {-798, 100}, Style::slide, [this](bool) {
         animator->move(window, {-798, 100}, {0, 100}, Style::slide, note());

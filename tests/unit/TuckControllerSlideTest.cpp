@@ -157,6 +157,20 @@ TEST_F(TuckControllerSlideTest, TheEndOfTheProgramHalfwayPutsTheWindowBackAtOnce
     EXPECT_EQ(frame(window), home);
 }
 
+TEST_F(TuckControllerSlideTest, TheEndOfTheProgramBringsHomeWhatIsOnItsWayThere) {
+    toggle();
+    desktop.advance(1s);
+    toggle();
+    desktop.advance(80ms);
+    ASSERT_LT(frame(window).x, home.x);
+    taken();
+    controller->untuckAll();
+    EXPECT_EQ(frame(window), home);
+    EXPECT_FALSE(desktop.windows.isHeld(window));
+    EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
+    EXPECT_TRUE(taken().empty());
+}
+
 TEST_F(TuckControllerSlideTest, DestroyingTheControllerHalfwayStopsTheSlide) {
     toggle();
     desktop.advance(80ms);
