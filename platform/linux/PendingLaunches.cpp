@@ -58,8 +58,11 @@ void PendingLaunches::windowsSeen(const std::function<bool(const std::string& pa
 
 void PendingLaunches::frontChanged(const std::optional<std::string>& front) {
     if (!front) return;
-    launches.remove_if(
-        [&](const Launch& launch) { return launch.path == *front || launch.front != front; });
+    launches.remove_if([&](Launch& launch) {
+        // Whoever was on the way to the front then is not what the user turned to since.
+        if (!launch.front) launch.front = front;
+        return launch.path == *front || launch.front != front;
+    });
 }
 
 bool PendingLaunches::isOlderThan(const Launch& launch, RunLoop::Duration age) const {

@@ -117,7 +117,11 @@ public:
     }
     RunningApplication awaited(const std::string& path) {
         if (!until([&] { return running(path).has_value(); })) {
-            throw std::runtime_error(path + " is not running");
+            std::string others;
+            for (const RunningApplication& each : applications().runningApplications()) {
+                others += ' ' + each.bundlePath.value_or("(no path)");
+            }
+            throw std::runtime_error(path + " is not running, but" + others);
         }
         return *running(path);
     }

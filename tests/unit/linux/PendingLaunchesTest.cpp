@@ -64,6 +64,20 @@ TEST_F(PendingLaunchesTest, NothingInFrontForAMomentIsNoTurningAway) {
     EXPECT_EQ(activated.size(), 1U);
 }
 
+TEST_F(PendingLaunchesTest, WhatComesFirstWhereNothingWasInFrontIsNoTurningAway) {
+    launches.begin("/a", std::nullopt);
+    launches.frontChanged("/front");
+    windowAppears("/a");
+    loop.advance(10s);
+    EXPECT_EQ(activated.size(), 1U);
+    launches.begin("/a", std::nullopt);
+    launches.frontChanged("/front");
+    launches.frontChanged("/other");
+    windowAppears("/a");
+    loop.advance(10s);
+    EXPECT_EQ(activated.size(), 1U);
+}
+
 TEST_F(PendingLaunchesTest, WindowOfLongAgoIsNotActivated) {
     launches.begin("/a", std::nullopt);
     loop.advance(PendingLaunches::forgottenAfter + 1s);
