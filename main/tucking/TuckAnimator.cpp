@@ -33,15 +33,6 @@ void TuckAnimator::cancel(AXWindow window) {
     timers.erase(window);
 }
 
-void TuckAnimator::finishAll() {
-    // Nothing of this object is touched after a completion, which may bring about its end.
-    const AXWindows access = windows;
-    for (const auto& [window, slide] : std::exchange(timers, {})) {
-        const bool written = access.setOriginAX(slide.to, window);
-        if (slide.completion) slide.completion(written);
-    }
-}
-
 std::optional<Point> TuckAnimator::destination(AXWindow window) const {
     const auto at = timers.find(window);
     if (at == timers.end()) return std::nullopt;
