@@ -103,20 +103,6 @@ TEST_F(TuckAnimatorTest, TheCurveFollowsTheClockAndNotTheTicks) {
     EXPECT_EQ(completions, std::vector<bool>{true});
 }
 
-TEST_F(TuckAnimatorTest, FinishingTakesEveryWindowToItsGoalAtOnce) {
-    const AXWindow other = desktop.start("/usr/share/applications/other.desktop", {50, 60, 70, 80});
-    animator->move(window, {0, 100}, {-798, 100}, Style::slide, note());
-    animator->move(other, {50, 60}, {500, 60}, Style::spring, note());
-    desktop.advance(40ms);
-    animator->finishAll();
-    EXPECT_EQ(desktop.frameAX(window)->x, -798);
-    EXPECT_EQ(desktop.frameAX(other)->x, 500);
-    EXPECT_EQ(completions, (std::vector<bool>{true, true}));
-    EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
-    animator->finishAll();
-    EXPECT_EQ(completions.size(), 2u);
-}
-
 TEST_F(TuckAnimatorTest, SlowWritesStretchTheSlideButNotItsGoal) {
     server().faults.responseTime = 100ms;
     const auto start = desktop.runLoop.uptime();

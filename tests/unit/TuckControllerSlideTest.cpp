@@ -69,20 +69,6 @@ TEST_F(TuckControllerSlideTest, HoweverOftenItIsToggledHalfwayItComesHomeAtLast)
     EXPECT_EQ(desktop.windows.heldFrameAX(window), home);
 }
 
-TEST_F(TuckControllerSlideTest, UntuckAllTakesAWindowHomeThatIsOnItsWayThere) {
-    toggle();
-    desktop.advance(1s);
-    toggle();
-    desktop.advance(80ms);
-    ASSERT_NE(frame(window), home);
-    taken();
-    controller->untuckAll();
-    EXPECT_EQ(frame(window), home);
-    EXPECT_FALSE(desktop.windows.isHeld(window));
-    EXPECT_TRUE(taken().empty());
-    EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
-}
-
 TEST_F(TuckControllerSlideTest, HidingHalfwayThroughARevealGoesBackFromThere) {
     toggle();
     desktop.advance(1s);
