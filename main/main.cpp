@@ -34,7 +34,8 @@ namespace {
 
 /// Beside the program in a build folder, else where it is installed.
 std::vector<std::string> moduleFolders(const std::string& executable) {
-    return {std::filesystem::path(executable).parent_path(), QUORVEL_MODULE_FOLDER};
+    const std::filesystem::path own = std::filesystem::path(executable).parent_path();
+    return {own, (own / QUORVEL_MODULE_FOLDER).lexically_normal()};
 }
 
 /// The interface, loaded when it is first asked for.

@@ -169,6 +169,18 @@ TEST_F(LifecycleTest, WithoutItsModuleItRunsAndSaysWhatItCannotShow) {
     alone.raiseAlert(process);
 }
 
+TEST_F(LifecycleTest, FindsItsModuleWhereverItIsInstalled) {
+    const fs::path prefix = session.folder() / "elsewhere";
+    runToEnd({.arguments = {"cmake", "--install", QUORVEL_BUILD_FOLDER, "--prefix", prefix},
+              .environment = session.environment(),
+              .logFile = session.folder() / "install.log",
+              .descriptors = {}});
+    ASSERT_FALSE(fs::exists(prefix / "bin/quorvel-interface.so"));
+    const RunningProgram installed(session, prefix / "bin/Quorvel");
+    const ChildProcess process = installed.start();
+    installed.raiseAlert(process);
+}
+
 TEST_F(LifecycleTest, AModuleThatIsNoneIsALine) {
     const fs::path copy = session.folder() / "alone/Quorvel";
     session.folder().write("alone/quorvel-interface.so", "not a library");
