@@ -188,8 +188,9 @@ TEST_F(ApplicationsTest, HostilePropertiesDoNoHarm) {
 
 TEST_F(ApplicationsTest, NothingIsToldOfWhatWasInFrontBefore) {
     const std::string path = installClass("A");
-    session.open(client(), {.className = "A"});
-    ASSERT_TRUE(waitUntil([&] { return probe().activeWindow() != XCB_WINDOW_NONE; }));
+    const xcb_window_t window = session.open(client(), {.className = "A"});
+    ASSERT_TRUE(waitUntil(
+        [&] { return probe().activeWindow() == window && probe().inputFocus() == window; }));
     EXPECT_EQ(front(), path);
     EXPECT_TRUE(never([&] { return !events.empty(); }, 100ms));
     installClass("B");
