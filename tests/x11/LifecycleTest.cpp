@@ -1,12 +1,11 @@
-// How the built program starts and ends.
+// The built program as a process: what it takes, when it is there twice, and what ends it.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <sstream>
 
-#include "tests/x11/RunningProgram.hpp"
+#include "tests/x11/ProgramOnX.hpp"
 
 namespace quorvel::test {
 namespace {
@@ -14,52 +13,38 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Not;
-using testing::StartsWith;
-
-constexpr const char* readyLine = "Quorvel: ready — 1 app(s) bound";
 
 class LifecycleTest : public testing::Test {
 protected:
-    XSession session;
-    RunningProgram program{session};
+    static constexpr const char* shortcut = "control,option,N";
 
-    void SetUp() override { program.configure(RunningProgram::bindingOfTheMissing); }
+    ProgramOnX program;
 
-    static std::string registeredLine() {
-        return std::string("Quorvel: global hotkey registered (control,option,N) for ") +
-               RunningProgram::missingPath;
-    }
+    void SetUp() override { program.bind({{"/nowhere/Missing.desktop", shortcut}}); }
 
-    static std::string contentOf(const fs::path& file) {
-        std::ifstream stream(file);
-        std::ostringstream content;
-        content << stream.rdbuf();
-        return content.str();
-    }
-
-    static fs::path procFile(const ChildProcess& process, const char* name) {
-        return fs::path("/proc") / std::to_string(process.pid()) / name;
-    }
-
-    /// -1 when it does not end by itself, or by a signal.
-    static int exitStatus(ChildProcess& process) {
-        const auto status = process.waitForExit();
-        return status && WIFEXITED(*status) ? WEXITSTATUS(*status) : -1;
+    xcb_window_t raiseAlert() {
+        program.press(shortcut);
+        return program.waitForOwnWindow();
     }
 };
 
-TEST_F(LifecycleTest, SaysThatItIsReadyAndLoadsNoToolkit) {
-    const ChildProcess process = program.start();
-    EXPECT_THAT(program.lines(),
-                ElementsAre(registeredLine(), readyLine, "Quorvel: accessibility granted"));
-    EXPECT_THAT(contentOf(procFile(process, "maps")), Not(HasSubstr("libQt")));
+TEST_F(LifecycleTest, LoadsTheToolkitNotBeforeAWindowIsNeeded) {
+    program.start();
+    const auto mapped = [&] {
+        return ProgramOnX::contentOf("/proc/" + std::to_string(program.pid()) + "/maps");
+    };
+    EXPECT_THAT(mapped(), Not(HasSubstr("libQt")));
+    raiseAlert();
+    EXPECT_THAT(mapped(), HasSubstr("libQt"));
 }
 
 #ifndef __SANITIZE_ADDRESS__
 TEST_F(LifecycleTest, TakesLessThanTenMegabytes) {
-    const ChildProcess process = program.start();
-    std::istringstream status(contentOf(procFile(process, "status")));
+    program.start();
+    std::istringstream status(
+        ProgramOnX::contentOf("/proc/" + std::to_string(program.pid()) + "/status"));
     long kilobytes = 0;
     for (std::string word; status >> word;) {
         if (word == "VmRSS:") status >> kilobytes;
@@ -69,127 +54,66 @@ TEST_F(LifecycleTest, TakesLessThanTenMegabytes) {
 }
 #endif
 
-TEST_F(LifecycleTest, NeedsNoSessionBus) {
-    session.bus().kill();
-    const ChildProcess process =
-        program.start({{"DBUS_SESSION_BUS_ADDRESS", ""}, {"XDG_RUNTIME_DIR", ""}});
-    program.raiseAlert(process);
-    session.input().tap("ESCAPE");
-    EXPECT_TRUE(waitUntil([&] { return program.activeWindowOf(process) == XCB_WINDOW_NONE; }));
-    EXPECT_TRUE(process.isRunning());
-}
-
 TEST_F(LifecycleTest, ASecondStartOnTheServerEndsWithoutAWord) {
-    const ChildProcess first = program.start();
-    const auto before = program.lines();
-    ChildProcess second = session.start({QUORVEL_PROGRAM});
-    EXPECT_EQ(exitStatus(second), 0);
-    EXPECT_EQ(program.lines(), before);
-    EXPECT_TRUE(first.isRunning());
+    program.start();
+    const auto before = program.logLines();
+    ChildProcess second = program.session.start({QUORVEL_PROGRAM});
+    EXPECT_EQ(second.waitForExit(), 0);
+    EXPECT_EQ(program.logLines(), before);
+    EXPECT_TRUE(program.isRunning());
 }
 
 TEST_F(LifecycleTest, StartsAgainAfterItWasKilled) {
-    ChildProcess first = program.start();
-    first.signal(SIGKILL);
-    ASSERT_TRUE(first.waitForExit());
-    const ChildProcess second = session.start({QUORVEL_PROGRAM});
-    EXPECT_TRUE(waitUntil([&] { return program.countOfLines(readyLine) == 2; }));
+    program.start();
+    program.sendSignal(SIGKILL);
+    EXPECT_EQ(program.waitForExit(), -1);
+    program.start();
+    EXPECT_THAT(program.linesSinceReady(), IsEmpty());
 }
 
-TEST_F(LifecycleTest, AShortcutOfAnotherProgramIsRejectedWithTheServersError) {
-    TestClient other(session.displayName());
-    ASSERT_EQ(other.grabKey(session.input().keycode("N"), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1),
-              0);
-    const ChildProcess process = program.start();
-    EXPECT_EQ(program.lines().front(), std::string("Quorvel: hotkey 'control,option,N' for ") +
-                                           RunningProgram::missingPath + " rejected (error 10)");
-}
-
-TEST_F(LifecycleTest, EndsInOrderOnTheSignalsThatAskForIt) {
+TEST_F(LifecycleTest, EndsInOrderWithItsTerminalToo) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        const int starts = program.countOfLines("Quorvel: accessibility ");
-        ChildProcess process = session.start({QUORVEL_PROGRAM});
-        ASSERT_TRUE(
-            waitUntil([&] { return program.countOfLines("Quorvel: accessibility ") > starts; }));
-        process.signal(signal);
-        EXPECT_EQ(exitStatus(process), 0) << signal;
+        program.start();
+        program.sendSignal(signal);
+        EXPECT_EQ(program.waitForExit(), 0) << signal;
     }
 }
 
 TEST_F(LifecycleTest, OutlivesTheTerminalWhenItWasStartedToDoSo) {
-    ChildProcess process = program.start({}, "nohup");
-    process.signal(SIGHUP);
-    program.raiseAlert(process);
-    EXPECT_TRUE(process.isRunning());
-}
-
-TEST_F(LifecycleTest, SigtermAnswersAnAlertAndEndsTheProgram) {
-    ChildProcess process = program.start();
-    program.raiseAlert(process);
-    process.signal(SIGTERM);
-    EXPECT_EQ(exitStatus(process), 0);
-    EXPECT_THAT(program.lines(),
-                ElementsAre(registeredLine(), readyLine, "Quorvel: accessibility granted"));
-}
-
-TEST_F(LifecycleTest, ALostServerIsOneLineAndStatusOne) {
-    ChildProcess process = program.start();
-    session.server().kill();
-    EXPECT_EQ(exitStatus(process), 1);
-    EXPECT_THAT(program.lines(),
-                ElementsAre(registeredLine(), readyLine, "Quorvel: accessibility granted",
-                            "Quorvel: the X server has gone"));
+    program.start({.prefix = {"nohup"}});
+    program.sendSignal(SIGHUP);
+    raiseAlert();
+    EXPECT_TRUE(program.isRunning());
 }
 
 TEST_F(LifecycleTest, ALostServerIsOneLineWithAnAlertUpToo) {
-    ChildProcess process = program.start();
-    program.raiseAlert(process);
-    session.server().kill();
-    EXPECT_EQ(exitStatus(process), 1);
-    EXPECT_THAT(program.lines(),
-                ElementsAre(registeredLine(), readyLine, "Quorvel: accessibility granted",
-                            "Quorvel: the X server has gone"));
+    program.start();
+    raiseAlert();
+    program.session.server().kill();
+    EXPECT_EQ(program.waitForExit(), 1);
+    EXPECT_THAT(program.linesSinceReady(), ElementsAre("Quorvel: the X server has gone"));
 }
 
-TEST_F(LifecycleTest, WithoutItsModuleItRunsAndSaysWhatItCannotShow) {
-    const fs::path copy = session.folder() / "alone/Quorvel";
+TEST_F(LifecycleTest, FindsAModuleThatComesLater) {
+    const fs::path copy = program.session.folder() / "alone/Quorvel";
     fs::create_directory(copy.parent_path());
     fs::copy_file(QUORVEL_PROGRAM, copy);
-    const RunningProgram alone(session, copy);
-    const ChildProcess process = alone.start();
-    session.input().chord({"Control", "Alt"}, "N");
-    EXPECT_TRUE(waitUntil(
-        [&] { return alone.countOfLines("Quorvel: alert not shown — nowhere not found") == 1; }));
-    EXPECT_EQ(alone.countOfLines("Quorvel: quorvel-interface.so not found in "), 1);
-    EXPECT_TRUE(process.isRunning());
-
-    // It is there a moment later, as when the program is just being updated.
-    fs::copy_file(fs::path(QUORVEL_PROGRAM).parent_path() / "quorvel-interface.so",
-                  copy.parent_path() / "quorvel-interface.so");
-    alone.raiseAlert(process);
+    program.start({.executable = copy});
+    program.press(shortcut);
+    ASSERT_TRUE(program.waitForLine("Quorvel: alert not shown — Missing not found"));
+    fs::copy_file(QUORVEL_INTERFACE_MODULE, copy.parent_path() / "quorvel-interface.so");
+    raiseAlert();
 }
 
 TEST_F(LifecycleTest, FindsItsModuleWhereverItIsInstalled) {
-    const fs::path prefix = session.folder() / "elsewhere";
+    const fs::path prefix = program.session.folder() / "elsewhere";
     runToEnd({.arguments = {"cmake", "--install", QUORVEL_BUILD_FOLDER, "--prefix", prefix},
-              .environment = session.environment(),
-              .logFile = session.folder() / "install.log",
+              .environment = program.session.environment(),
+              .logFile = program.session.folder() / "install.log",
               .descriptors = {}});
     ASSERT_FALSE(fs::exists(prefix / "bin/quorvel-interface.so"));
-    const RunningProgram installed(session, prefix / "bin/Quorvel");
-    const ChildProcess process = installed.start();
-    installed.raiseAlert(process);
-}
-
-TEST_F(LifecycleTest, AModuleThatIsNoneIsALine) {
-    const fs::path copy = session.folder() / "alone/Quorvel";
-    session.folder().write("alone/quorvel-interface.so", "not a library");
-    fs::copy_file(QUORVEL_PROGRAM, copy);
-    const RunningProgram alone(session, copy);
-    const ChildProcess process = alone.start();
-    session.input().chord({"Control", "Alt"}, "N");
-    EXPECT_TRUE(waitUntil([&] { return alone.countOfLines("Quorvel: alert not shown — ") == 1; }));
-    EXPECT_EQ(alone.countOfLines("Quorvel: cannot load "), 1);
+    program.start({.executable = prefix / "bin/Quorvel"});
+    raiseAlert();
 }
 
 }  // namespace

@@ -58,7 +58,9 @@ public:
 
     /// Asks it to end with SIGTERM. The exit status; −1 when it does not end by itself.
     int terminate();
-    void sendTerminate() const { process->signal(SIGTERM); }
+    void sendTerminate() const { sendSignal(SIGTERM); }
+    void sendSignal(int number) const { process->signal(number); }
+    pid_t pid() const { return process->pid(); }
     int waitForExit();
 
     /// What the log says, without times: one message a line.
