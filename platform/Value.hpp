@@ -34,7 +34,7 @@ public:
     const_iterator begin() const { return entries.begin(); }
     const_iterator end() const { return entries.end(); }
     std::size_t size() const;
-    bool empty() const { return entries.empty(); }
+    bool empty() const;
 
     const_iterator find(std::string_view name) const;
     bool contains(std::string_view name) const;
@@ -100,6 +100,10 @@ inline bool ValueDictionary::operator==(const ValueDictionary& other) const {
 
 inline std::size_t ValueDictionary::size() const {
     return entries.size();
+}
+
+inline bool ValueDictionary::empty() const {
+    return entries.empty();
 }
 
 inline ValueDictionary::const_iterator ValueDictionary::find(std::string_view name) const {

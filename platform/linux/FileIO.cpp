@@ -200,7 +200,7 @@ FileLock::FileLock(const std::string& path)
     }
     // Others hold it for one write. A stuck one must not take us along, so no blocking call.
     using Clock = std::chrono::steady_clock;
-    const auto deadline = Clock::now() + std::chrono::seconds(1);
+    const auto deadline = Clock::now() + std::chrono::seconds(2);
     while (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         failure = errno;
         if (failure == EINTR) continue;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <unordered_map>
+#include <utility>
 
 namespace quorvel::native {
 namespace {
@@ -11,41 +13,77 @@ namespace {
 // Records keep the order of their fields.
 using Json = nlohmann::ordered_json;
 
-std::optional<Value> fromJson(const Json& json) {
-    switch (json.type()) {
-        case Json::value_t::boolean:
-            return Value(json.get<bool>());
-        case Json::value_t::number_integer:
-            return Value(json.get<std::int64_t>());
-        case Json::value_t::number_unsigned: {
-            const auto number = json.get<std::uint64_t>();
-            if (number > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
-                return Value(static_cast<double>(number));
-            }
-            return Value(static_cast<std::int64_t>(number));
-        }
-        case Json::value_t::number_float:
-            return Value(json.get<double>());
-        case Json::value_t::string:
-            return Value(json.get<std::string>());
-        case Json::value_t::array: {
-            Value::Array array;
-            for (const Json& item : json) {
-                if (auto value = fromJson(item)) array.push_back(std::move(*value));
-            }
-            return Value(std::move(array));
-        }
-        case Json::value_t::object: {
-            Value::Dictionary dictionary;
-            for (const auto& [key, item] : json.items()) {
-                if (auto value = fromJson(item)) dictionary.append(key, std::move(*value));
-            }
-            return Value(std::move(dictionary));
-        }
-        default:
-            return std::nullopt;
+/// Makes a value of what the parser meets. Where a name stands several times in an object, the last
+/// one counts. Names are found in constant time: a damaged or foreign file may hold very many.
+class ValueBuilder {
+public:
+    /// Nothing for null.
+    std::optional<Value> result;
+
+    bool null() { return add(std::nullopt); }
+    bool boolean(bool boolean) { return add(Value(boolean)); }
+    bool number_integer(std::int64_t number) { return add(Value(number)); }
+    bool number_unsigned(std::uint64_t number) {
+        constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+        return number > largest ? add(Value(static_cast<double>(number)))
+                                : add(Value(static_cast<std::int64_t>(number)));
     }
-}
+    bool number_float(double number, const std::string&) { return add(Value(number)); }
+    bool string(std::string& text) { return add(Value(std::move(text))); }
+    bool binary(Json::binary_t&) { return false; }
+    bool parse_error(std::size_t, const std::string&, const Json::exception&) { return false; }
+
+    bool start_array(std::size_t) {
+        open.emplace_back();
+        return true;
+    }
+    bool end_array() {
+        Value::Array array = std::move(open.back().items);
+        open.pop_back();
+        return add(Value(std::move(array)));
+    }
+    bool start_object(std::size_t) {
+        open.emplace_back().isObject = true;
+        return true;
+    }
+    bool key(std::string& name) {
+        Open& object = open.back();
+        const auto [place, isNew] = object.places.emplace(name, object.fields.size());
+        if (isNew) object.fields.emplace_back(std::move(name), std::nullopt);
+        object.current = place->second;
+        return true;
+    }
+    bool end_object() {
+        Value::Dictionary dictionary;
+        for (auto& [name, value] : open.back().fields) {
+            if (value) dictionary.append(std::move(name), std::move(*value));
+        }
+        open.pop_back();
+        return add(Value(std::move(dictionary)));
+    }
+
+private:
+    struct Open {
+        bool isObject = false;
+        Value::Array items;
+        std::vector<std::pair<std::string, std::optional<Value>>> fields;
+        std::unordered_map<std::string, std::size_t> places;
+        std::size_t current = 0;
+    };
+
+    bool add(std::optional<Value> value) {
+        if (open.empty()) {
+            result = std::move(value);
+        } else if (open.back().isObject) {
+            open.back().fields[open.back().current].second = std::move(value);
+        } else if (value) {
+            open.back().items.push_back(std::move(*value));
+        }
+        return true;
+    }
+
+    std::vector<Open> open;
+};
 
 /// Nothing for a number that JSON has no words for.
 std::optional<Json> toJson(const Value& value) {
@@ -68,7 +106,8 @@ std::optional<Json> toJson(const Value& value) {
     for (const auto& [key, item] : *value.dictionary()) {
         auto element = toJson(item);
         if (!element) return std::nullopt;
-        json[key] = std::move(*element);
+        // The names differ already, and looking each up would take long in a large dictionary.
+        json.get_ref<Json::object_t&>().emplace_back(key, std::move(*element));
     }
     return json;
 }
@@ -177,7 +216,9 @@ std::optional<JsonDocument> JsonDocument::parse(std::string_view text, std::stri
         member.valueText = scanner.token();
         scanner.accept(',');
         member.key = Json::parse(member.keyText).get<std::string>();
-        member.value = fromJson(Json::parse(member.valueText));
+        ValueBuilder builder;
+        Json::sax_parse(member.valueText, &builder);
+        member.value = std::move(builder.result);
         document.members.push_back(std::move(member));
     }
     return document;
@@ -190,12 +231,12 @@ std::optional<Value> JsonDocument::value(std::string_view key) const {
 }
 
 Value::Dictionary JsonDocument::values() const {
+    std::unordered_map<std::string_view, const Member*> last;
+    for (const Member& member : members) last[member.key] = &member;
     Value::Dictionary dictionary;
     for (const Member& member : members) {
-        if (member.value) {
-            dictionary.insert_or_assign(member.key, *member.value);
-        } else {
-            dictionary.erase(member.key);
+        if (member.value && last[member.key] == &member) {
+            dictionary.append(member.key, *member.value);
         }
     }
     return dictionary;

@@ -1,5 +1,6 @@
 #include "platform/linux/XdgFolders.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ctime>
 #include <limits>
 
 #include "platform/linux/JsonDocument.hpp"
@@ -123,6 +124,32 @@ TEST(JsonDocumentTest, OfRepeatedKeysTheLastCountsAndAWriteLeavesOne) {
     EXPECT_TRUE(other.values().empty());
     other.remove("a");
     EXPECT_EQ(other.text(), "{}\n");
+}
+
+TEST(JsonDocumentTest, OfRepeatedNamesInsideAValueTheLastCounts) {
+    const JsonDocument document =
+        parsed(R"({"d": {"a": 1, "b": {"x": 1}, "a": [2], "c": 3, "c": null}})");
+    EXPECT_EQ(document.value("d"),
+              Value(Value::Dictionary{{"a", Value::Array{2}}, {"b", Value::Dictionary{{"x", 1}}}}));
+}
+
+TEST(JsonDocumentTest, VeryManyNamesAreNoBurden) {
+    std::string names;
+    constexpr std::size_t count = 50'000;
+    for (std::size_t i = 0; i < count; ++i) {
+        names += (i == 0 ? "\"" : ",\"") + std::to_string(i) + "\":1";
+    }
+    // Of the processor, so that a busy machine makes no difference.
+    const std::clock_t start = std::clock();
+    JsonDocument document = parsed("{\"nested\":{" + names + "}," + names + "}");
+    const auto nested = document.value("nested");
+    ASSERT_TRUE(nested && nested->dictionary() != nullptr);
+    EXPECT_EQ(nested->dictionary()->size(), count);
+    EXPECT_EQ(document.values().size(), count + 1);
+    std::string error;
+    EXPECT_TRUE(document.set("copy", *nested, error));
+    // With look-ups that walk all names it takes half a minute.
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 8);
 }
 
 TEST(JsonDocumentTest, BlankTextIsAnEmptyObject) {
