@@ -108,14 +108,22 @@ void X11Applications::activate(const RunningApplication& application) {
         const xcb_window_t main = others.front();
         others.erase(others.begin());
         std::reverse(others.begin(), others.end());
-        hider.showAndActivate(others, main);
+        bringForward(others, main);
         followSoon();
         return;
     }
     const auto inSight = std::find_if(windows.begin(), windows.end(), [this](xcb_window_t window) {
         return !hider.isHidden(window);
     });
-    hider.showAndActivate({}, inSight == windows.end() ? windows.front() : *inSight);
+    bringForward({}, inSight == windows.end() ? windows.front() : *inSight);
+}
+
+void X11Applications::bringForward(const std::vector<xcb_window_t>& others, xcb_window_t main) {
+    hider.showAndActivate(others, main);
+    runLoop.after(patienceWithFocus, [this, alive = life.watch(), main, asked = ++activations] {
+        if (alive.expired() || asked != activations) return;
+        if (clients.active() == XCB_WINDOW_NONE && clients.isManaged(main)) clients.activate(main);
+    });
 }
 
 void X11Applications::open(const std::string& path, OpenCompletion completion) {

@@ -32,6 +32,8 @@ public:
     /// For how long no window may be active before that counts: window managers pass through this
     /// state on the way from one window to the next.
     static constexpr RunLoop::Duration deactivationDelay = std::chrono::milliseconds(100);
+    /// After this long no window manager is still on its way to giving a window the keyboard.
+    static constexpr RunLoop::Duration patienceWithFocus = std::chrono::milliseconds(250);
 
     X11Applications(XConnection& x, RunLoop& runLoop, WindowManagerInfo& manager,
                     WindowElements& elements, DesktopEntries& entries);
@@ -61,6 +63,9 @@ private:
     };
 
     std::vector<xcb_window_t> windowsOf(const RunningApplication& application) const;
+    /// A window manager that switches workspaces may lose the keyboard on the way; it is asked
+    /// once more where nothing has got it in the end.
+    void bringForward(const std::vector<xcb_window_t>& others, xcb_window_t main);
     bool areHidden(const std::vector<xcb_window_t>& windows) const;
     std::optional<Front> currentFront() const;
     bool isStillThere(const Front& front) const;
@@ -85,6 +90,7 @@ private:
     mutable DesktopEntryMonitor entryMonitor;
     mutable std::optional<Front> reported;
     mutable bool namesAreStale = false;
+    std::uint64_t activations = 0;
     std::uint64_t frontChanges = 0;
     std::optional<std::uint64_t> waitingSince;  ///< the change after which nothing was in front
     Subscribers<const RunningApplication&> activatedHandlers;
