@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <utility>
-#include <vector>
 
 namespace quorvel {
 namespace {
@@ -65,9 +64,12 @@ void TuckAnimator::finish(AXWindow window, bool isOver) {
 }
 
 void TuckAnimator::finishAll() {
-    std::vector<AXWindow> moving;
-    for (const auto& [window, slide] : timers) moving.push_back(window);
-    for (const AXWindow window : moving) finish(window, true);
+    // From copies alone: after a completion this object may be no more.
+    const AXWindows access = windows;
+    for (const auto& [window, slide] : std::exchange(timers, {})) {
+        const bool written = access.setOriginAX(slide.to, window);
+        if (slide.completion) slide.completion(written);
+    }
 }
 
 }  // namespace quorvel

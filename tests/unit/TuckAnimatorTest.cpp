@@ -213,6 +213,21 @@ TEST_F(TuckAnimatorTest, FinishingEndsEverySlideAtItsGoalWithItsCompletion) {
     EXPECT_EQ(completions.size(), 2u);
 }
 
+TEST_F(TuckAnimatorTest, ACompletionMayDestroyTheAnimatorWhileAllAreFinished) {
+    const AXWindow other =
+        desktop.start("/usr/share/applications/browser.desktop", {300, 0, 400, 300});
+    const auto destroy = [this](bool written) {
+        completions.push_back(written);
+        animator.reset();
+    };
+    animator->move(window, {0, 100}, {-798, 100}, Style::slide, destroy);
+    animator->move(other, {300, 0}, {1438, 0}, Style::slide, destroy);
+    animator->finishAll();
+    EXPECT_EQ(completions, (std::vector<bool>{true, true}));
+    EXPECT_EQ(desktop.frameAX(window)->x, -798);
+    EXPECT_EQ(desktop.frameAX(other)->x, 1438);
+}
+
 TEST_F(TuckAnimatorTest, ACompletionMayStartTheNextMove) {
     animator->move(window, {0, 100}, {-798, 100}, Style::slide, [this](bool) {
         animator->move(window, {-798, 100}, {0, 100}, Style::slide, note());
