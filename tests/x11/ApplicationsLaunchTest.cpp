@@ -4,9 +4,11 @@
 #include <signal.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
 
 #include "tests/x11/ApplicationsFixture.hpp"
 #include "tests/x11/ScriptedManager.hpp"
@@ -60,8 +62,15 @@ protected:
                                                    pid + " "));
         EXPECT_THAT(report, HasSubstr("0 -> /dev/null"));
         EXPECT_THAT(report, HasSubstr("2 -> /dev/null"));
-        EXPECT_THAT(report, HasSubstr("SigIgn:\t0000000000000000"));
-        EXPECT_THAT(report, HasSubstr("SigBlk:\t0000000000000000"));
+        EXPECT_EQ(signals(report, "SigIgn:\t"), 0U);
+        EXPECT_EQ(signals(report, "SigBlk:\t"), 0U);
+    }
+    /// Without the two that the C library keeps for itself: no program can set them, so whoever
+    /// started us may have left them ignored for everybody.
+    static std::uint64_t signals(const std::string& report, const std::string& label) {
+        const std::uint64_t mask =
+            std::stoull(report.substr(report.find(label) + label.size(), 16), nullptr, 16);
+        return mask & ~(std::uint64_t{0b11} << 31);
     }
 };
 
