@@ -119,7 +119,12 @@ std::optional<Rect> XProbe::visibleFrame(xcb_window_t window) const {
     const xcb_window_t frame = frameOf(window);
     if (frame == XCB_WINDOW_NONE) return std::nullopt;
     std::optional<Rect> seen = outerRect(client.xcb(), client.root(), frame);
-    if (!seen) return std::nullopt;
+    // Measured inside the frame, or a move between the two readings would tear them apart.
+    std::optional<Rect> inner = outerRect(client.xcb(), frame, window);
+    const auto border = geometry(client.xcb(), frame);
+    if (!seen || !inner || !border) return std::nullopt;
+    inner->x += seen->x + border->border_width;
+    inner->y += seen->y + border->border_width;
 
     // A shaped frame is seen only where its shape is.
     const XReply<xcb_shape_query_extents_reply_t> shape(xcb_shape_query_extents_reply(
@@ -146,8 +151,7 @@ std::optional<Rect> XProbe::visibleFrame(xcb_window_t window) const {
 
     // What the frame has beyond the declared decoration is for grabbing, not for looking at.
     const auto declared = client.property32(window, "_NET_FRAME_EXTENTS");
-    const std::optional<Rect> inner = clientArea(window);
-    if (declared.size() >= 4 && inner) {
+    if (declared.size() >= 4) {
         const Rect decorated{inner->x - declared[0], inner->y - declared[2],
                              inner->width + declared[0] + declared[1],
                              inner->height + declared[2] + declared[3]};
