@@ -8,6 +8,7 @@
 #include "platform/Log.hpp"
 #include "platform/LoginItemService.hpp"
 #include "platform/Pointer.hpp"
+#include "platform/PollTimers.hpp"
 #include "platform/RunLoop.hpp"
 #include "platform/Screens.hpp"
 #include "platform/Trust.hpp"
@@ -24,6 +25,7 @@ struct Desktop {
     Files& files;
     Screens& screens;
     Pointer& pointer;
+    PollTimers& pollTimers;
     HotKeys& hotKeys;
     Applications& applications;
     ApplicationCatalog& catalog;

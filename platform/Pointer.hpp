@@ -7,6 +7,8 @@ namespace quorvel {
 struct PointerState {
     Point locationCocoa;
     unsigned pressedButtons = 0;  ///< bit n for button n + 1; the first three only, never the wheel
+
+    bool operator==(const PointerState&) const = default;
 };
 
 class Pointer {

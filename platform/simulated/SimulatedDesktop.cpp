@@ -5,7 +5,7 @@
 namespace quorvel {
 
 Desktop SimulatedDesktop::desktop() {
-    return {runLoop, log,          defaults, files,   screens, pointer,
+    return {runLoop, log,          defaults, files,   screens, pointer,  pollTimers,
             hotKeys, applications, catalog,  windows, trust,   loginItem};
 }
 

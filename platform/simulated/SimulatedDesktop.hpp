@@ -9,6 +9,7 @@
 #include "platform/simulated/SimulatedLog.hpp"
 #include "platform/simulated/SimulatedLoginItem.hpp"
 #include "platform/simulated/SimulatedPointer.hpp"
+#include "platform/simulated/SimulatedPollTimers.hpp"
 #include "platform/simulated/SimulatedRunLoop.hpp"
 #include "platform/simulated/SimulatedScreens.hpp"
 #include "platform/simulated/SimulatedTrust.hpp"
@@ -38,6 +39,7 @@ public:
     SimulatedWindowServer server;
     SimulatedApplications applications{server, runLoop};
     SimulatedWindows windows{server, applications, screens, trust, runLoop};
+    SimulatedPollTimers pollTimers{runLoop, pointer, windows, screens};
 
     SimulatedDesktop() = default;
     SimulatedDesktop(const SimulatedDesktop&) = delete;

@@ -24,25 +24,30 @@ WindowElement SimulatedWindowServer::open(Opening opening) {
     return window.element;
 }
 
-void SimulatedWindowServer::close(WindowElement window) {
-    if (std::erase_if(windows, [&](const auto& other) { return other.element == window; }) == 0) {
-        return;
+template <class Condition>
+void SimulatedWindowServer::remove(Condition condition) {
+    std::vector<WindowElement> gone;
+    for (const SimulatedWindow& window : windows) {
+        if (condition(window)) gone.push_back(window.element);
     }
-    if (activeWindow == window) activateNext();
+    std::erase_if(windows, condition);
+    const bool wasActive =
+        activeWindow && std::find(gone.begin(), gone.end(), *activeWindow) != gone.end();
+    if (wasActive) activateNext();
+    for (const WindowElement window : gone) changes.notify(window);
+}
+
+void SimulatedWindowServer::close(WindowElement window) {
+    remove([&](const SimulatedWindow& other) { return other.element == window; });
 }
 
 void SimulatedWindowServer::kill(std::int32_t processIdentifier) {
-    const bool wasActive =
-        activeWindow && window(*activeWindow).processIdentifier == processIdentifier;
-    std::erase_if(windows,
-                  [&](const auto& other) { return other.processIdentifier == processIdentifier; });
-    if (wasActive) activateNext();
+    remove(
+        [&](const SimulatedWindow& other) { return other.processIdentifier == processIdentifier; });
 }
 
 void SimulatedWindowServer::quit(const std::string& bundlePath) {
-    const bool wasActive = activeWindow && window(*activeWindow).bundlePath == bundlePath;
-    std::erase_if(windows, [&](const auto& other) { return other.bundlePath == bundlePath; });
-    if (wasActive) activateNext();
+    remove([&](const SimulatedWindow& other) { return other.bundlePath == bundlePath; });
 }
 
 void SimulatedWindowServer::activate(WindowElement window) {
@@ -77,17 +82,19 @@ void SimulatedWindowServer::deiconify(WindowElement window) {
 }
 
 void SimulatedWindowServer::drag(WindowElement window, Point originAX) {
-    if (SimulatedWindow* found = find(window)) {
-        found->frameAX.x = originAX.x;
-        found->frameAX.y = originAX.y;
-    }
+    SimulatedWindow* found = find(window);
+    if (!found) return;
+    found->frameAX.x = originAX.x;
+    found->frameAX.y = originAX.y;
+    changes.notify(window);
 }
 
 void SimulatedWindowServer::resize(WindowElement window, Size size) {
-    if (SimulatedWindow* found = find(window)) {
-        found->frameAX.width = size.width;
-        found->frameAX.height = size.height;
-    }
+    SimulatedWindow* found = find(window);
+    if (!found) return;
+    found->frameAX.width = size.width;
+    found->frameAX.height = size.height;
+    changes.notify(window);
 }
 
 void SimulatedWindowServer::raise(WindowElement window) {

@@ -2,9 +2,11 @@
 
 #include <functional>
 #include <list>
+#include <utility>
 #include <vector>
 
 #include "platform/Applications.hpp"
+#include "platform/Subscription.hpp"
 #include "platform/simulated/SimulatedWindow.hpp"
 
 namespace quorvel {
@@ -20,6 +22,11 @@ public:
 
     /// Called whenever another window, or none, has become the active one.
     std::function<void()> activeChanged;
+
+    /// The window has moved, changed its size, or gone; not for what the program itself did to it.
+    [[nodiscard]] Subscription onChange(std::function<void(WindowElement)> handler) {
+        return changes.add(std::move(handler));
+    }
 
     // Windows come and go ----------------------------------------------------------------------
 
@@ -84,11 +91,14 @@ private:
     }
     void setActive(std::optional<WindowElement> window);
     void activateNext();
+    template <class Condition>
+    void remove(Condition condition);
 
     std::list<SimulatedWindow> windows;
     std::optional<WindowElement> activeWindow;
     WindowElement nextElement = 1;
     std::uint64_t moment = 1;
+    Subscribers<WindowElement> changes;
     std::int32_t nextProcessIdentifier = 2000;
 };
 

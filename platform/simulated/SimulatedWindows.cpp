@@ -26,7 +26,10 @@ SimulatedWindows::SimulatedWindows(SimulatedWindowServer& server,
       applications(applications),
       screens(screens),
       trust(trust),
-      runLoop(runLoop) {}
+      runLoop(runLoop),
+      windowChanges(server.onChange([this](WindowElement window) {
+          if (isHeld({window})) heldWindowChanges.notify();
+      })) {}
 
 std::optional<Rect> SimulatedWindows::heldFrameAX(AXWindow window) const {
     const auto at = holds.find(window);
@@ -95,6 +98,7 @@ void SimulatedWindows::hold(AXWindow window, const Rect& originalFrameAX) {
         hold.wasMaximized = true;
     }
     holds.insert_or_assign(window, hold);
+    newHolds.notify();
 }
 
 void SimulatedWindows::letGo(AXWindow window, EndOfHold how) {

@@ -45,6 +45,15 @@ public:
     /// Where a held window belongs.
     std::optional<Rect> heldFrameAX(AXWindow window) const;
 
+    /// Someone else moved, resized or closed a window that is held.
+    [[nodiscard]] Subscription onHeldWindowChange(std::function<void()> handler) {
+        return heldWindowChanges.add(std::move(handler));
+    }
+    /// One more window is held.
+    [[nodiscard]] Subscription onHold(std::function<void()> handler) {
+        return newHolds.add(std::move(handler));
+    }
+
     // WindowAccess -----------------------------------------------------------------------------
 
     FocusedWindowReading focusedWindow(std::int32_t processIdentifier,
@@ -73,6 +82,9 @@ private:
     const Trust& trust;
     SimulatedRunLoop& runLoop;
     std::unordered_map<AXWindow, Hold> holds;
+    Subscribers<> heldWindowChanges;
+    Subscribers<> newHolds;
+    Subscription windowChanges;
 };
 
 }  // namespace quorvel

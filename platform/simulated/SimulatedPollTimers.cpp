@@ -1,0 +1,27 @@
+#include "platform/simulated/SimulatedPollTimers.hpp"
+
+namespace quorvel {
+
+SimulatedPollTimers::SimulatedPollTimers(RunLoop& runLoop, SimulatedPointer& pointer,
+                                         SimulatedWindows& windows, SimulatedScreens& screens)
+    : RestingPollTimers(runLoop),
+      pointer(pointer),
+      pointerMoves(pointer.onInput([this] {
+          if (listens) somethingMoved();
+      })),
+      heldWindowMoves(windows.onHeldWindowChange([this] { somethingMoved(); })),
+      holds(windows.onHold([this] { heldWindowsChanged(); })),
+      displays(screens.onChange([this] { heldWindowsChanged(); })) {}
+
+PointerState SimulatedPollTimers::beginObservation() {
+    ++observationCount;
+    return pointer.state();
+}
+
+bool SimulatedPollTimers::listenToPointer(bool wanted) {
+    if (cannotListen) return false;
+    listens = wanted;
+    return true;
+}
+
+}  // namespace quorvel
