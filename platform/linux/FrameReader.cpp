@@ -54,7 +54,6 @@ Rect padded(const Rect& rect, const Extents& by) {
 
 /// What one round trip brings of a window and its frame.
 struct Answers {
-    bool isComplete = false;  ///< both are there, and the one is still below the other
     Reply<xcb_get_geometry_reply_t> geometry;
     Reply<xcb_get_geometry_reply_t> frameGeometry;
     Reply<xcb_translate_coordinates_reply_t> place;
@@ -70,46 +69,6 @@ struct Answers {
         return !isManaged && attributes->map_state == XCB_MAP_STATE_UNMAPPED;
     }
 };
-
-Answers askAlong(const XConnection& x, const std::vector<xcb_window_t>& lineage) {
-    xcb_connection_t* const connection = x.xcb();
-    const xcb_window_t client = lineage.front();
-    const xcb_window_t frame = lineage.back();
-
-    std::vector<xcb_query_tree_cookie_t> parents;
-    for (const xcb_window_t window : lineage) parents.push_back(xcb_query_tree(connection, window));
-    const auto geometry = xcb_get_geometry(connection, client);
-    const auto frameGeometry = xcb_get_geometry(connection, frame);
-    const auto place = xcb_translate_coordinates(connection, client, x.root(), 0, 0);
-    const auto attributes = xcb_get_window_attributes(connection, client);
-    const auto frameAttributes = xcb_get_window_attributes(connection, frame);
-    const auto shadow = askProperty(x, client, "_GTK_FRAME_EXTENTS");
-    const auto decoration = askProperty(x, client, "_NET_FRAME_EXTENTS");
-    const auto states = askProperty(x, client, "_NET_WM_STATE");
-    const auto management = askProperty(x, client, "WM_STATE");
-
-    bool isOfThisLineage = true;
-    for (std::size_t i = 0; i < lineage.size(); ++i) {
-        const Reply<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(connection, parents[i], nullptr));
-        const xcb_window_t parent = i + 1 < lineage.size() ? lineage[i + 1] : x.root();
-        isOfThisLineage = isOfThisLineage && tree && tree->parent == parent;
-    }
-    Answers answers;
-    answers.geometry.reset(xcb_get_geometry_reply(connection, geometry, nullptr));
-    answers.frameGeometry.reset(xcb_get_geometry_reply(connection, frameGeometry, nullptr));
-    answers.place.reset(xcb_translate_coordinates_reply(connection, place, nullptr));
-    answers.attributes.reset(xcb_get_window_attributes_reply(connection, attributes, nullptr));
-    answers.frameAttributes.reset(
-        xcb_get_window_attributes_reply(connection, frameAttributes, nullptr));
-    answers.shadow = extents(items(x, shadow));
-    answers.decoration = extents(items(x, decoration));
-    answers.states = items(x, states);
-    answers.management = items(x, management);
-    answers.isComplete = isOfThisLineage && answers.geometry && answers.frameGeometry &&
-                         answers.place && answers.attributes && answers.frameAttributes;
-    return answers;
-}
 
 FillingStates fillingStates(const XConnection& x, const std::vector<std::uint32_t>& states) {
     const auto has = [&](std::string_view name) {
@@ -208,19 +167,90 @@ bool FrameReader::trace(xcb_window_t client, Lineage& lineage) const {
     return false;
 }
 
+FrameReader::Question FrameReader::ask(xcb_window_t client, const Lineage& lineage) const {
+    xcb_connection_t* const connection = x.xcb();
+    const xcb_window_t frame = lineage.back();
+    Question question;
+    question.client = client;
+    question.lineage = lineage;
+    for (const xcb_window_t window : lineage) {
+        question.parents.push_back(xcb_query_tree(connection, window));
+    }
+    question.geometry = xcb_get_geometry(connection, client);
+    question.frameGeometry = xcb_get_geometry(connection, frame);
+    question.place = xcb_translate_coordinates(connection, client, x.root(), 0, 0);
+    question.attributes = xcb_get_window_attributes(connection, client);
+    question.frameAttributes = xcb_get_window_attributes(connection, frame);
+    question.shadow = askProperty(x, client, "_GTK_FRAME_EXTENTS");
+    question.decoration = askProperty(x, client, "_NET_FRAME_EXTENTS");
+    question.states = askProperty(x, client, "_NET_WM_STATE");
+    question.management = askProperty(x, client, "WM_STATE");
+    return question;
+}
+
+std::optional<WindowReading> FrameReader::answer(const Question& question,
+                                                 bool& isOfThisLineage) const {
+    xcb_connection_t* const connection = x.xcb();
+    const Lineage& lineage = question.lineage;
+    isOfThisLineage = true;
+    for (std::size_t i = 0; i < lineage.size(); ++i) {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection, question.parents[i], nullptr));
+        const xcb_window_t parent = i + 1 < lineage.size() ? lineage[i + 1] : x.root();
+        isOfThisLineage = isOfThisLineage && tree && tree->parent == parent;
+    }
+    Answers answers;
+    answers.geometry.reset(xcb_get_geometry_reply(connection, question.geometry, nullptr));
+    answers.frameGeometry.reset(
+        xcb_get_geometry_reply(connection, question.frameGeometry, nullptr));
+    answers.place.reset(xcb_translate_coordinates_reply(connection, question.place, nullptr));
+    answers.attributes.reset(
+        xcb_get_window_attributes_reply(connection, question.attributes, nullptr));
+    answers.frameAttributes.reset(
+        xcb_get_window_attributes_reply(connection, question.frameAttributes, nullptr));
+    answers.shadow = extents(items(x, question.shadow));
+    answers.decoration = extents(items(x, question.decoration));
+    answers.states = items(x, question.states);
+    answers.management = items(x, question.management);
+    isOfThisLineage = isOfThisLineage && answers.geometry && answers.frameGeometry &&
+                      answers.place && answers.attributes && answers.frameAttributes;
+    if (!isOfThisLineage || answers.isWithdrawn()) return std::nullopt;
+    return readingOf(x, question.client, lineage.back(), answers);
+}
+
+std::vector<FrameReader::Question> FrameReader::ask(const std::vector<xcb_window_t>& clients) {
+    std::vector<Question> questions;
+    for (const xcb_window_t client : clients) {
+        const auto known = lineages.find(client);
+        if (known != lineages.end() && !known->second.empty()) {
+            questions.push_back(ask(client, known->second));
+        } else {
+            questions.emplace_back().client = client;
+        }
+    }
+    return questions;
+}
+
+std::optional<WindowReading> FrameReader::answer(const Question& question) {
+    if (question.lineage.empty()) return read(question.client);
+    bool isOfThisLineage = false;
+    auto reading = answer(question, isOfThisLineage);
+    if (!isOfThisLineage) return read(question.client);
+    if (!reading) lineages.erase(question.client);
+    return reading;
+}
+
 std::optional<WindowReading> FrameReader::read(xcb_window_t client) {
     Lineage& lineage = lineages[client];
     // A window manager that comes or goes changes the lineage; a third change in between is one
     // too many to wait for.
     for (int attempt = 0; attempt < 3; ++attempt) {
         if (lineage.empty() && !trace(client, lineage)) break;
-        const Answers answers = askAlong(x, lineage);
-        if (!answers.isComplete) {
-            lineage.clear();
-            continue;
-        }
-        if (answers.isWithdrawn()) break;
-        return readingOf(x, client, lineage.back(), answers);
+        bool isOfThisLineage = false;
+        auto reading = answer(ask(client, lineage), isOfThisLineage);
+        if (isOfThisLineage && !reading) break;
+        if (reading) return reading;
+        lineage.clear();
     }
     lineages.erase(client);
     return std::nullopt;

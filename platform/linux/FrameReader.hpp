@@ -59,12 +59,20 @@ Rect seenArea(const Rect& clientWithBorder, const Rect& frame, const Extents& sh
 class FrameReader {
 public:
     using Clock = std::chrono::steady_clock;
+    /// From the window itself up to the one right under the root.
+    using Lineage = std::vector<xcb_window_t>;
 
     explicit FrameReader(XConnection& x);
 
     /// Nothing when the window is gone or its owner has withdrawn it. Iconic and shaded windows,
     /// and those on other workspaces, have a frame.
     std::optional<WindowReading> read(xcb_window_t client);
+
+    /// One window's reading under way; made by `ask`.
+    struct Question;
+    /// The same for many windows in one round trip: asks now, to be answered later, each once.
+    std::vector<Question> ask(const std::vector<xcb_window_t>& clients);
+    std::optional<WindowReading> answer(const Question& question);
 
     /// Makes the server tell of every change, so that `await` misses none: to be called before the
     /// change is asked for.
@@ -77,14 +85,29 @@ public:
                                        Clock::time_point latest);
 
 private:
-    /// From the window itself up to the one right under the root.
-    using Lineage = std::vector<xcb_window_t>;
-
+    Question ask(xcb_window_t client, const Lineage& lineage) const;
+    /// Nothing also when the frame is no longer the one that was asked about.
+    std::optional<WindowReading> answer(const Question& question, bool& isOfThisLineage) const;
     bool trace(xcb_window_t client, Lineage& lineage) const;
 
     XConnection& x;
     std::unordered_map<xcb_window_t, Lineage> lineages;
     Subscription events;
+};
+
+struct FrameReader::Question {
+    xcb_window_t client = XCB_WINDOW_NONE;
+    Lineage lineage;  ///< empty when it must be traced first
+    std::vector<xcb_query_tree_cookie_t> parents;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_get_geometry_cookie_t frameGeometry;
+    xcb_translate_coordinates_cookie_t place;
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_window_attributes_cookie_t frameAttributes;
+    xcb_get_property_cookie_t shadow;
+    xcb_get_property_cookie_t decoration;
+    xcb_get_property_cookie_t states;
+    xcb_get_property_cookie_t management;
 };
 
 }  // namespace quorvel::native

@@ -21,10 +21,11 @@ X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, Log& log, Posi
       catalog(entries),
       applications(x, runLoop, manager, elements, entries),
       windows(x, elements, manager, applications, [this] { return displaysInRoot(); }),
+      pollTimers(x, runLoop, pointer, screens, windows),
       trust(x, X11Trust::isWaylandSession(), std::move(prompt)) {}
 
 Desktop X11Desktop::desktop() {
-    return {runLoop, log,          defaults, files,   screens, pointer,
+    return {runLoop, log,          defaults, files,   screens, pointer,  pollTimers,
             hotKeys, applications, catalog,  windows, trust,   loginItem};
 }
 

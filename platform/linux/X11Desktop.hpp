@@ -13,6 +13,7 @@
 #include "platform/linux/X11Applications.hpp"
 #include "platform/linux/X11HotKeys.hpp"
 #include "platform/linux/X11Pointer.hpp"
+#include "platform/linux/X11PollTimers.hpp"
 #include "platform/linux/X11Screens.hpp"
 #include "platform/linux/X11Trust.hpp"
 #include "platform/linux/X11WindowAccess.hpp"
@@ -58,6 +59,7 @@ private:
     XdgApplicationCatalog catalog;
     X11Applications applications;
     X11WindowAccess windows;
+    X11PollTimers pollTimers;
     X11Trust trust;
 };
 

@@ -3,6 +3,14 @@
 namespace quorvel::native {
 
 PointerState X11Pointer::read() const {
+    return observed ? *observed : ask();
+}
+
+const PointerState& X11Pointer::observe() {
+    return observed.emplace(ask());
+}
+
+PointerState X11Pointer::ask() const {
     constexpr Point elsewhere{-65536, -65536};
     const Reply<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(x.xcb(), xcb_query_pointer(x.xcb(), x.root()), nullptr));

@@ -23,6 +23,7 @@ X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
       focus(focus),
       displaysInRoot(std::move(displaysInRoot)),
       frames(x),
+      heldFrames(x, frames),
       ladder(x, frames, manager),
       states(x, frames, ladder),
       raiser(x, frames, manager) {}
@@ -43,8 +44,17 @@ Point X11WindowAccess::axOriginInRoot(const std::vector<Rect>& displays) {
     return lastAxOrigin;
 }
 
+void X11WindowAccess::takeHeldFrames() {
+    heldFrames.take();
+    isObserving = true;
+}
+
 FrameReading X11WindowAccess::readFrame(AXWindow window) {
-    const auto now = read(window);
+    const auto client = elements.windowOf(window.element);
+    if (!client) return {};
+    std::optional<std::optional<WindowReading>> known;
+    if (isObserving) known = heldFrames.known(*client);
+    const auto now = known ? *known : frames.read(*client);
     if (!now) return {};
     const Point origin = axOriginInRoot(displaysInRoot());
     return {Point{now->seen.x - origin.x, now->seen.y - origin.y}, now->seen.size()};
@@ -52,6 +62,7 @@ FrameReading X11WindowAccess::readFrame(AXWindow window) {
 
 std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveStep step) {
     const auto deadline = Clock::now() + callLimit;
+    if (const auto client = elements.windowOf(window.element)) heldFrames.invalidate(*client);
     const auto held = holds.find(window);
     Hold* const hold = held == holds.end() ? nullptr : &held->second;
     const bool comesHome = step == MoveStep::final && hold && hold->comesHome;
@@ -63,7 +74,7 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
         now = freed(*now, hold, deadline);
     }
     if (!now) {
-        if (held != holds.end()) holds.erase(held);
+        endHold(window);
         return refused;
     }
 
@@ -85,7 +96,7 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
         }
         hold->given.reset();
     }
-    if (comesHome || result.outcome == MoveOutcome::vanished) holds.erase(window);
+    if (comesHome || result.outcome == MoveOutcome::vanished) endHold(window);
     if (result.error != 0) return result.error;
     const bool isAccepted =
         result.outcome == MoveOutcome::reached || result.outcome == MoveOutcome::clamped;
@@ -126,6 +137,13 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     // Here already, so that the first frame of the slide is not late.
     const auto now = read(window);
     if (now && now->states.any()) freed(*now, &hold, deadline);
+    if (now) heldFrames.add(now->client);
+    newHolds.notify();
+}
+
+void X11WindowAccess::endHold(AXWindow window) {
+    holds.erase(window);
+    if (const auto client = elements.windowOf(window.element)) heldFrames.remove(*client);
 }
 
 void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {
@@ -134,7 +152,7 @@ void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {
     if (how == EndOfHold::putBack) {
         held->second.comesHome = true;
     } else {
-        holds.erase(held);
+        endHold(window);
     }
 }
 

@@ -3,12 +3,14 @@
 #include <functional>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/WindowAccess.hpp"
 #include "platform/linux/FillingStateKeeper.hpp"
 #include "platform/linux/FocusedWindowSource.hpp"
 #include "platform/linux/FrameReader.hpp"
+#include "platform/linux/HeldFrames.hpp"
 #include "platform/linux/MoveLadder.hpp"
 #include "platform/linux/WindowElements.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
@@ -34,6 +36,19 @@ public:
     void hold(AXWindow window, const Rect& originalFrameAX) override;
     void letGo(AXWindow window, EndOfHold how) override;
 
+    // Observation: from `take` to `endObservation`, held windows are read from what was found for
+    // all of them in one round trip. A window that is moved meanwhile is read afresh.
+    void askForHeldFrames() { heldFrames.ask(); }
+    void takeHeldFrames();
+    void endObservation() { isObserving = false; }
+
+    [[nodiscard]] Subscription onHeldWindowChange(std::function<void()> handler) {
+        return heldFrames.onChange(std::move(handler));
+    }
+    [[nodiscard]] Subscription onHold(std::function<void()> handler) {
+        return newHolds.add(std::move(handler));
+    }
+
 private:
     using Clock = FrameReader::Clock;
 
@@ -45,6 +60,7 @@ private:
     };
 
     std::optional<WindowReading> read(AXWindow window);
+    void endHold(AXWindow window);
     /// Without a display, as long as there is none, the place of the last one.
     Point axOriginInRoot(const std::vector<Rect>& displays);
     /// Out of the states that hold it in place; what is known of the window afterwards.
@@ -56,11 +72,14 @@ private:
     FocusedWindowSource& focus;
     DisplaysInRoot displaysInRoot;
     FrameReader frames;
+    HeldFrames heldFrames;
     MoveLadder ladder;
     FillingStateKeeper states;
     WindowRaiser raiser;
     Point lastAxOrigin;
     std::unordered_map<AXWindow, Hold> holds;
+    Subscribers<> newHolds;
+    bool isObserving = false;
 };
 
 }  // namespace quorvel::native

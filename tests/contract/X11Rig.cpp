@@ -14,6 +14,7 @@
 #include "platform/linux/X11Applications.hpp"
 #include "platform/linux/X11HotKeys.hpp"
 #include "platform/linux/X11Pointer.hpp"
+#include "platform/linux/X11PollTimers.hpp"
 #include "platform/linux/X11Screens.hpp"
 #include "platform/linux/X11WindowAccess.hpp"
 #include "platform/linux/XConnection.hpp"
@@ -42,7 +43,7 @@ public:
           folders(native::XdgFolders::fromEnvironment(files.homeDirectory())) {}
 
     Desktop desktop() {
-        return {runLoop, log,          defaults, files,   screens, pointer,
+        return {runLoop, log,          defaults, files,   screens, pointer,  pollTimers,
                 hotKeys, applications, catalog,  windows, trust,   loginItem};
     }
 
@@ -84,6 +85,7 @@ private:
     native::X11Applications applications{*connection, runLoop, manager, elements, entries};
     native::X11WindowAccess windows{*connection, elements, manager, applications,
                                     [this] { return displaysInRoot(); }};
+    native::X11PollTimers pollTimers{*connection, runLoop, pointer, screens, windows};
     NoTrust trust;
     native::XdgLoginItem loginItem{folders, "/usr/bin/Quorvel"};
 };

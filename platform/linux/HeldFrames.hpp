@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/linux/FrameReader.hpp"
+#include "platform/linux/XConnection.hpp"
+
+namespace quorvel::native {
+
+/// Where the held windows stand, kept up to date by the server's events: to know them all again
+/// takes a reading only of those to which something has happened.
+class HeldFrames {
+public:
+    HeldFrames(XConnection& x, FrameReader& frames);
+
+    void add(xcb_window_t client);
+    void remove(xcb_window_t client);
+
+    /// Asks about the windows of which something is not known; `take` waits for the answers.
+    void ask();
+    void take();
+
+    /// What `take` has found, until the next event about the window. Outer: not known. Inner: the
+    /// window is gone.
+    std::optional<std::optional<WindowReading>> known(xcb_window_t client) const;
+    /// We are about to change it.
+    void invalidate(xcb_window_t client);
+
+    /// Something has happened to a held window.
+    [[nodiscard]] Subscription onChange(std::function<void()> handler) {
+        return changes.add(std::move(handler));
+    }
+
+private:
+    struct Entry {
+        std::optional<WindowReading> reading;
+        bool isKnown = false;
+        /// Of the request that the reading answers: events up to there are part of it.
+        std::uint32_t sequence = 0;
+    };
+
+    Entry* subjectOf(const xcb_generic_event_t& event);
+
+    XConnection& x;
+    FrameReader& frames;
+    std::unordered_map<xcb_window_t, Entry> entries;         ///< by client
+    std::unordered_map<xcb_window_t, xcb_window_t> clients;  ///< of their frames
+    std::vector<FrameReader::Question> questions;
+    Subscribers<> changes;
+    Subscription arrivals;
+    Subscription events;
+};
+
+}  // namespace quorvel::native
