@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace quorvel {
 
@@ -41,10 +42,7 @@ struct Rect {
     bool isEmpty() const { return width <= 0 || height <= 0; }
 
     /// True when the two share some area; touching borders do not count.
-    bool intersects(const Rect& other) const {
-        return minX() < other.maxX() && other.minX() < maxX() && minY() < other.maxY() &&
-               other.minY() < maxY();
-    }
+    bool intersects(const Rect& other) const { return !intersection(other).isEmpty(); }
 
     /// The shared area; an empty rectangle when there is none.
     Rect intersection(const Rect& other) const {
@@ -71,6 +69,11 @@ struct Rect {
         return {x - margin, y - margin, width + 2 * margin, height + 2 * margin};
     }
 };
+
+/// A coordinate of a display, a window or the cursor, without its fraction.
+inline std::int64_t truncated(double coordinate) {
+    return static_cast<std::int64_t>(coordinate);
+}
 
 /// Whether the display with this Cocoa frame shows the cursor. The topmost pixel row has the
 /// Cocoa y of the frame's maximum, so here the lower bound in y is open and the upper one closed.

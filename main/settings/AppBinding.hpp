@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "main/settings/Collisions.hpp"
 #include "platform/Value.hpp"
 
 namespace quorvel {
@@ -24,6 +25,13 @@ struct AppBinding {
     struct Validation;
     /// Drops the bindings whose shortcut cannot be used, each with a reason for the log.
     static Validation validated(const std::vector<AppBinding>& list);
+
+    /// A sentence for each two applications that share a corner of a display, in the order of the
+    /// list; once, on however many displays they meet.
+    static std::vector<std::string> cornerCollisions(const std::vector<ArmedCorner>& armed);
+    /// A sentence for each claim that would stack its window on that of an earlier one. All claims
+    /// are about one display.
+    static std::vector<std::string> tuckEdgeCollisions(const std::vector<EdgeClaim>& claims);
 
     /// Whether the stored shortcut text says that there is none.
     bool hasNoHotKey() const;

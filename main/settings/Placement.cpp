@@ -15,13 +15,6 @@ std::vector<Placement> without(const std::vector<Placement>& placements, Predica
     return rest;
 }
 
-/// Stored display texts are kept as they were typed, so they are compared by what they mean.
-bool denotes(std::string_view displayText, const DisplayInfo& display) {
-    const std::string name = trimmed(displayText);
-    if (lowercased(name) == "builtin") return display.isBuiltin;
-    return name == display.ref.raw;
-}
-
 }  // namespace
 
 std::vector<Placement> Placement::decode(const std::optional<Value>& value) {
@@ -46,11 +39,18 @@ Value Placement::encode(const std::vector<Placement>& list) {
     return records;
 }
 
+bool Placement::isOn(const DisplayInfo& shown) const {
+    // Stored display texts are kept as they were typed, so they are compared by what they mean.
+    const std::string name = trimmed(display);
+    if (lowercased(name) == "builtin") return shown.isBuiltin;
+    return name == shown.ref.raw;
+}
+
 std::optional<Placement> Placement::matching(std::string_view appPath, const DisplayInfo& on,
                                              const std::vector<Placement>& placements) {
     const auto found =
         std::find_if(placements.begin(), placements.end(), [&](const Placement& placement) {
-            return placement.appPath == appPath && denotes(placement.display, on);
+            return placement.appPath == appPath && placement.isOn(on);
         });
     if (found == placements.end()) return std::nullopt;
     return *found;

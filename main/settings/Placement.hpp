@@ -25,6 +25,9 @@ struct Placement {
     static std::vector<Placement> decode(const std::optional<Value>& value);
     static Value encode(const std::vector<Placement>& list);
 
+    /// Whether the stored display text means this display.
+    bool isOn(const DisplayInfo& shown) const;
+
     /// The first placement of exactly this application on this display.
     static std::optional<Placement> matching(std::string_view appPath, const DisplayInfo& on,
                                              const std::vector<Placement>& placements);
