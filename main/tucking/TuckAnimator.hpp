@@ -31,6 +31,7 @@ public:
     void finishAll();
 
     bool isMoving(AXWindow window) const { return timers.contains(window); }
+    bool isMovingAny() const { return !timers.empty(); }
     /// Where the running slide of a window takes it, in AX space.
     std::optional<Point> destination(AXWindow window) const;
 

@@ -15,9 +15,11 @@ namespace {
 constexpr RunLoop::Duration focusRetryDelay = std::chrono::milliseconds(250);
 /// Rounding by the window server is no clamping.
 constexpr double clampTolerance = 1;
+/// What a window may drift before it counts as moved by someone else.
+constexpr double driftTolerance = 40;
 
-std::int64_t truncated(double coordinate) {
-    return static_cast<std::int64_t>(std::trunc(coordinate));
+bool isWithin(double tolerance, Point a, Point b) {
+    return std::abs(a.x - b.x) <= tolerance && std::abs(a.y - b.y) <= tolerance;
 }
 
 }  // namespace
@@ -30,7 +32,8 @@ TuckController::TuckController(AXWindows windows, Applications& applications, Sc
       runLoop(runLoop),
       trust(trust),
       log(log),
-      animator(windows, runLoop) {}
+      animator(windows, runLoop),
+      screenObserver(screens.onChange([this] { displaysChanged(); })) {}
 
 void TuckController::toggleTuck(const std::string& appPath, TuckEdge edge) {
     const auto application = runningApp(appPath);
@@ -115,12 +118,15 @@ void TuckController::untuckAll() {
     }
     // Those that were on their way home already are in the registry no more.
     animator.finishAll();
-    for (const RunningApplication& application : applications.runningApplications()) {
-        if (application.bundlePath && hiddenApps.contains(*application.bundlePath)) {
-            applications.unhide(application);
-        }
+    unhideAll();
+}
+
+void TuckController::unhideAll() {
+    for (const auto& [appPath, pid] : std::exchange(hiddenApps, {})) {
+        auto application = runningApp(appPath);
+        if (!application) application = applications.applicationWithProcessIdentifier(pid);
+        if (application) applications.unhide(*application);
     }
-    hiddenApps.clear();
 }
 
 void TuckController::untuckAll(const std::string& appPath) {
@@ -147,6 +153,62 @@ void TuckController::reveal(AXWindow window) {
     if (!moveBetweenPositions(window, true)) return;
     windows.raise(window);
     activate(std::string(meta.at(window).appPath));
+}
+
+std::vector<TuckController::RevealTarget> TuckController::revealTargets() {
+    if (screenFramesCocoa().empty()) return {};
+    const double maxY = primaryScreenMaxY();
+    std::vector<RevealTarget> targets;
+    for (const AXWindow window : std::vector(registry.order)) {
+        const auto known = meta.find(window);
+        if (known == meta.end()) continue;
+        const auto frameAX = windows.frameAX(window);
+        if (!frameAX || wasMovedByOthers(known->second, frameAX->origin())) {
+            release(window);
+            continue;
+        }
+        const Rect frameCocoa = flipped(*frameAX, maxY);
+        targets.push_back(
+            {window, known->second.edge.revealStripCocoa(frameCocoa, known->second.screenCocoa),
+             registry.find(window)->revealed, frameCocoa});
+    }
+    return targets;
+}
+
+bool TuckController::wasMovedByOthers(const Meta& known, Point originAX) const {
+    return known.expectedOrigin && !isWithin(driftTolerance, originAX, *known.expectedOrigin);
+}
+
+void TuckController::release(AXWindow window) {
+    animator.cancel(window);
+    registry.remove(window);
+    meta.erase(window);
+    windows.letGo(window, EndOfHold::forgotten);
+    log.line("Quorvel: released a tucked window — moved externally or closed");
+}
+
+void TuckController::displaysChanged() {
+    const auto frames = screenFramesCocoa();
+    // There is nowhere to put anything; when a display comes back, this is looked at again.
+    if (frames.empty()) return;
+    std::vector<AXWindow> stranded;
+    for (const AXWindow window : registry.order) {
+        const auto known = meta.find(window);
+        if (known == meta.end()) continue;
+        if (std::find(frames.begin(), frames.end(), known->second.screenCocoa) == frames.end()) {
+            stranded.push_back(window);
+        }
+    }
+    if (stranded.empty()) {
+        log.line(formatted("Quorvel: displays changed — %d tucked window(s) unaffected",
+                           registry.order.size()));
+        return;
+    }
+    log.line(
+        formatted("Quorvel: displays changed — restoring %d tucked window(s) whose display is "
+                  "gone or resized",
+                  stranded.size()));
+    for (const AXWindow window : stranded) untuck(window, TuckAnimationStyle::instant, false);
 }
 
 bool TuckController::hasTuckedWindow(const std::string& appPath) const {
@@ -248,7 +310,7 @@ bool TuckController::moveBetweenPositions(AXWindow window, bool revealed) {
     if (known == meta.end() || !record || record->revealed == revealed) return false;
     const auto frameAX = windows.frameAX(window);
     // Without displays there is no telling where anything is.
-    if (!frameAX || screens.screens().empty()) return false;
+    if (!frameAX || screenFramesCocoa().empty()) return false;
     record->revealed = revealed;
     const TuckEdge edge = known->second.edge;
     const Rect displayAX = screenAX(known->second.screenCocoa);
@@ -271,8 +333,7 @@ void TuckController::moveTracked(AXWindow window, Point from, Point to,
                       if (!frameAX) return;
                       const Point got = frameAX->origin();
                       known->second.expectedOrigin = got;
-                      if (std::abs(got.x - to.x) > clampTolerance ||
-                          std::abs(got.y - to.y) > clampTolerance) {
+                      if (!isWithin(clampTolerance, got, to)) {
                           log.line(
                               formatted("Quorvel: the window server clamped the move — asked "
                                         "(%.0f, %.0f), got (%.0f, %.0f)",
@@ -290,7 +351,7 @@ bool TuckController::toggleHidden(const RunningApplication& application,
         return false;
     }
     applications.hide(application);
-    hiddenApps.insert(appPath);
+    hiddenApps.insert_or_assign(appPath, application.processIdentifier);
     return true;
 }
 
@@ -312,7 +373,7 @@ bool TuckController::autoHide(std::int32_t pid, const std::string& appPath) {
     if (application && application->bundlePath != appPath) application = runningApp(appPath);
     if (!application || applications.isHidden(*application)) return false;
     applications.hide(*application);
-    hiddenApps.insert(appPath);
+    hiddenApps.insert_or_assign(appPath, application->processIdentifier);
     return true;
 }
 
@@ -324,7 +385,10 @@ void TuckController::autoBottomTuck(std::int32_t pid, const std::string& appPath
 
 std::vector<Rect> TuckController::screenFramesCocoa() const {
     std::vector<Rect> result;
-    for (const Screen& screen : screens.screens()) result.push_back(screen.frameCocoa);
+    for (const Screen& screen : screens.screens()) {
+        // What shows nothing is no display to put a window on, nor to measure by.
+        if (!screen.frameCocoa.isEmpty()) result.push_back(screen.frameCocoa);
+    }
     return result;
 }
 

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -40,7 +40,18 @@ public:
         bool operator==(const TuckedWindow&) const = default;
     };
 
-    /// All of these outlive the controller.
+    /// A tucked window as the cursor meets it.
+    struct RevealTarget {
+        AXWindow window;
+        Rect stripCocoa;  ///< where the cursor must rest to bring it out
+        bool revealed = false;
+        Rect frameCocoa;  ///< where it stands now
+
+        bool operator==(const RevealTarget&) const = default;
+    };
+
+    /// All of these outlive the controller. From now on, windows whose display goes or changes its
+    /// frame are put back at once.
     TuckController(AXWindows windows, Applications& applications, Screens& screens,
                    RunLoop& runLoop, Trust& trust, Log& log);
 
@@ -69,6 +80,11 @@ public:
     /// Brings a tucked window out to stand flush inside its edge.
     void reveal(AXWindow window);
 
+    /// The tucked windows in their order, less those that have been closed or that someone else has
+    /// moved: these are let go of, where they are. None while no display is attached, for then
+    /// there is no telling where anything is.
+    std::vector<RevealTarget> revealTargets();
+
     bool hasTuckedWindow(const std::string& appPath) const;
     /// For an edge text that means `bottom`: whether the application is hidden. Else whether it has
     /// a tucked window, at whichever edge.
@@ -77,6 +93,9 @@ public:
     std::vector<TuckedWindow> tuckedWindows() const;
     /// Whether a window of the application is out of its edge at the moment.
     bool hasRevealedWindow(const std::string& appPath) const;
+    bool isMoving(AXWindow window) const { return animator.isMoving(window); }
+    /// Whether a window is on its way into or out of an edge, or home.
+    bool isMovingAnyWindow() const { return animator.isMovingAny(); }
 
 private:
     struct Meta {
@@ -91,6 +110,11 @@ private:
         std::optional<TuckEdge> edge;
         std::string_view whyNot;  ///< for the log, where there is no edge
     };
+
+    void displaysChanged();
+    bool wasMovedByOthers(const Meta& known, Point originAX) const;
+    void release(AXWindow window);
+    void unhideAll();
 
     std::optional<RunningApplication> runningApp(const std::string& appPath) const;
     void activate(const std::string& appPath);
@@ -127,8 +151,11 @@ private:
 
     TuckRegistry<AXWindow> registry;
     std::unordered_map<AXWindow, Meta> meta;
-    std::set<std::string> hiddenApps;
+    /// Those hidden here, by path, with the process that they were then: the path of an
+    /// application may change with the settings.
+    std::map<std::string, std::int32_t> hiddenApps;
     TuckAnimator animator;
+    Subscription screenObserver;
     Lifetime life;
 };
 

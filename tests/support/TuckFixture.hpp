@@ -31,11 +31,12 @@ protected:
         };
     }
 
-    /// A second display to the right of the first.
+    /// A second display to the right of the first. What is said of that is dropped.
     void attachNeighbour() {
         desktop.screens.arrange({SimulatedScreens::screen(1, {0, 0, 1440, 900}, true),
                                  SimulatedScreens::screen(2, {1440.75, -200.5, 1280, 800})});
         desktop.advance(std::chrono::seconds(1));
+        desktop.log.lines.clear();
     }
 
     void toggle(TuckEdge edge = TuckEdge::left) { controller->toggleTuck(editor, edge); }
