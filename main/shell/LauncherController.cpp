@@ -33,10 +33,20 @@ LauncherController::LauncherController(const Desktop& desktop, Application& appl
       opener({desktop.applications, desktop.catalog, desktop.files, desktop.runLoop, desktop.log},
              tuckController, alerts, [this] { openSettings(); }),
       bindingHotKeys(desktop.hotKeys, desktop.runLoop, desktop.log,
-                     [this](std::uint32_t id) { handleHotKey(id); }) {}
+                     [this](std::uint32_t id) { handleHotKey(id); }),
+      hotZoneAssignment(
+          settings, desktop.runLoop,
+          {desktop.pollTimers, desktop.pointer, desktop.screens, desktop.runLoop, desktop.log},
+          [this](const std::string& appPath, const std::string& edgeHintRaw) {
+              activateOrTuck(appPath, edgeHintRaw);
+          }),
+      edgeRevealWatcher(tuckController,
+                        {desktop.pollTimers, desktop.pointer, desktop.runLoop, desktop.log}) {}
 
 void LauncherController::applicationDidFinishLaunching() {
     reloadFromSettings();
+    edgeRevealWatcher.start();
+    observeDesktop();
 
     sigTermSource = desktop.runLoop.onTerminationSignal([this, alive = life.watch()] {
         if (!alive.expired()) handleTerminationSignal();
@@ -50,6 +60,48 @@ void LauncherController::applicationDidFinishLaunching() {
         desktop.log.line("Quorvel: no apps bound; opening Settings");
         openSettings();
     }
+}
+
+/// Nothing is done while others are still being told: each deed waits for the next turn.
+void LauncherController::observeDesktop() {
+    RunLoop& runLoop = desktop.runLoop;
+    const auto alive = life.watch();
+    workspaceObservers.push_back(desktop.applications.onDeactivated(
+        [this, alive, &runLoop](const RunningApplication& deactivated) {
+            if (!deactivated.bundlePath) return;
+            runLoop.async([this, alive, deactivated] {
+                if (alive.expired()) return;
+                applicationDeactivated(*deactivated.bundlePath, deactivated.processIdentifier);
+            });
+        }));
+    workspaceObservers.push_back(desktop.applications.onActivated(
+        [this, alive, &runLoop](const RunningApplication& activated) {
+            if (!activated.bundlePath) return;
+            runLoop.async([this, alive, appPath = *activated.bundlePath] {
+                if (!alive.expired()) applicationActivated(appPath);
+            });
+        }));
+    screenObserver = desktop.screens.onChange([this, alive, &runLoop] {
+        runLoop.async([this, alive] {
+            if (!alive.expired()) applyAllHotZones(settings.hotZoneDwellMs());
+        });
+    });
+}
+
+void LauncherController::applicationDeactivated(const std::string& appPath, std::int32_t pid) {
+    tuckController.hideRevealed(appPath);
+    const auto config = tuckConfig(appPath);
+    if (config && config->isAuto && config->edge) {
+        tuckController.tuckFocused(appPath, pid, *config->edge);
+    }
+}
+
+void LauncherController::applicationActivated(const std::string& appPath) {
+    const auto config = tuckConfig(appPath);
+    if (!config || !config->isAuto) return;
+    // The user works in a revealed window; it goes back by itself when they leave it.
+    if (tuckController.hasRevealedWindow(appPath)) return;
+    tuckController.untuckAll(appPath);
 }
 
 void LauncherController::applicationWillTerminate() {
@@ -92,16 +144,8 @@ void LauncherController::applyHotZone(int dwellMs) {
     applyAllHotZones(dwellMs);
 }
 
-void LauncherController::applyAllHotZones(int /*dwellMs*/) {
-    rememberAttachedDisplays();
-}
-
-void LauncherController::rememberAttachedDisplays() const {
-    auto known = settings.knownDisplays();
-    for (const DisplayInfo& display : Displays::attached(desktop.screens)) {
-        known[display.ref.raw] = display.name;
-    }
-    if (known != settings.knownDisplays()) settings.setKnownDisplays(known);
+void LauncherController::applyAllHotZones(int dwellMs) {
+    hotZoneAssignment.apply(activeBindings, dwellMs);
 }
 
 void LauncherController::openSettings() {

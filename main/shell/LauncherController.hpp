@@ -11,7 +11,9 @@
 #include "main/shell/AppOpener.hpp"
 #include "main/shell/Application.hpp"
 #include "main/shell/BindingHotKeys.hpp"
+#include "main/shell/HotZoneAssignment.hpp"
 #include "main/shell/Interface.hpp"
+#include "main/tucking/EdgeRevealWatcher.hpp"
 #include "main/tucking/TuckController.hpp"
 #include "main/tucking/TuckEdge.hpp"
 #include "platform/Desktop.hpp"
@@ -19,7 +21,8 @@
 namespace quorvel {
 
 /// The one coordinator of the program: launches it, applies the settings, turns shortcuts into
-/// deeds, and puts all windows back at the end. Lives as long as the process.
+/// deeds, follows the active application and the displays, and puts all windows back at the end.
+/// Lives as long as the process.
 class LauncherController final : public ApplicationDelegate {
 public:
     struct TuckConfig {
@@ -60,12 +63,14 @@ public:
     void applyAllHotZones(int dwellMs);
 
 private:
+    void observeDesktop();
+    void applicationDeactivated(const std::string& appPath, std::int32_t pid);
+    void applicationActivated(const std::string& appPath);
     void handleTerminationSignal();
     void handleHotKey(std::uint32_t id);
     std::string edgeHintUnderPointer(const std::string& appPath) const;
     std::optional<std::string> placedEdgeRaw(const std::string& appPath,
                                              const Rect& displayCocoa) const;
-    void rememberAttachedDisplays() const;
 
     Desktop desktop;
     Application& application;
@@ -77,6 +82,10 @@ private:
     Alerts alerts;
     AppOpener opener;
     BindingHotKeys bindingHotKeys;
+    HotZoneAssignment hotZoneAssignment;
+    EdgeRevealWatcher edgeRevealWatcher;
+    std::vector<Subscription> workspaceObservers;
+    Subscription screenObserver;
     Subscription sigTermSource;
     Lifetime life;
 };

@@ -12,7 +12,8 @@ class LauncherLaunchTest : public LauncherFixture {};
 TEST_F(LauncherLaunchTest, WithoutBindingsTheSettingsOpenAfterTheTwoLines) {
     launch();
     EXPECT_THAT(sim.log.lines,
-                ElementsAre("Quorvel: ready — 0 app(s) bound", "Quorvel: accessibility granted",
+                ElementsAre("Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
+                            "Quorvel: ready — 0 app(s) bound", "Quorvel: accessibility granted",
                             "Quorvel: no apps bound; opening Settings"));
     EXPECT_EQ(interface.settingsShown, 1);
 }
@@ -23,6 +24,7 @@ TEST_F(LauncherLaunchTest, WithABindingNothingOpensAndTheInterfaceIsNeverLoaded)
     EXPECT_THAT(
         sim.log.lines,
         ElementsAre(formatted("Quorvel: global hotkey registered (%@) for %@", editorKeys, editor),
+                    "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
                     "Quorvel: ready — 1 app(s) bound", "Quorvel: accessibility granted"));
     EXPECT_EQ(interfaceLoads, 0);
 }
@@ -33,6 +35,7 @@ TEST_F(LauncherLaunchTest, BindingsThatAreAllUnusableKeepTheSettingsClosed) {
     EXPECT_THAT(
         sim.log.lines,
         ElementsAre(formatted("Quorvel: binding dropped — %@: unusable hotkey 'nonsense'", editor),
+                    "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
                     "Quorvel: ready — 0 app(s) bound", "Quorvel: accessibility granted"));
     EXPECT_EQ(interface.settingsShown, 0);
 }

@@ -46,6 +46,7 @@ protected:
         EXPECT_THAT(
             program.logLines(),
             ElementsAre("Quorvel: global hotkey registered (control,option,T) for " + path,
+                        "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
                         "Quorvel: ready — 1 app(s) bound", "Quorvel: accessibility granted",
                         "Quorvel: tucked " + path + " window to left", "Quorvel: untucked window"));
         EXPECT_EQ(program.terminate(), 0);

@@ -106,6 +106,7 @@ TEST_F(ProgramShortcutsTest, AShortcutThatAnotherProgramHoldsIsRefusedInOneLine)
         ElementsAre(
             "Quorvel: hotkey 'control,option,N' for " + program.path + " rejected (error 10)",
             "Quorvel: global hotkey registered (control,option,X) for /opt/x.desktop",
+            "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
             "Quorvel: ready — 2 app(s) bound", "Quorvel: accessibility granted"));
     program.press(program.shortcut);
     EXPECT_TRUE(nothingHappens());
@@ -118,6 +119,7 @@ TEST_F(ProgramShortcutsTest, TheSecondOfTwoEqualShortcutsIsRefused) {
                 ElementsAre(registered(),
                             "Quorvel: hotkey 'option,control,n' for /opt/x.desktop rejected "
                             "(error 10)",
+                            "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
                             "Quorvel: ready — 2 app(s) bound", "Quorvel: accessibility granted"));
     program.press(program.shortcut);
     EXPECT_TRUE(program.notes.waitUntilRunning());
@@ -129,7 +131,8 @@ TEST_F(ProgramShortcutsTest, AShortcutThatMakesNoSenseDropsItsBinding) {
     EXPECT_THAT(program.logLines(),
                 ElementsAre("Quorvel: binding dropped — /opt/x.desktop: unusable hotkey "
                             "'control,option,Nonsense'",
-                            registered(), "Quorvel: ready — 1 app(s) bound",
+                            registered(), "Quorvel: no hot corners placed.",
+                            "Quorvel: edge reveal watcher armed", "Quorvel: ready — 1 app(s) bound",
                             "Quorvel: accessibility granted"));
     program.press(program.shortcut);
     EXPECT_TRUE(program.notes.waitUntilRunning());

@@ -22,9 +22,10 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-const std::vector<std::string> emptyStart{"Quorvel: ready — 0 app(s) bound",
-                                          "Quorvel: accessibility granted",
-                                          "Quorvel: no apps bound; opening Settings"};
+const std::vector<std::string> emptyStart{
+    "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
+    "Quorvel: ready — 0 app(s) bound", "Quorvel: accessibility granted",
+    "Quorvel: no apps bound; opening Settings"};
 
 class ProgramStartTest : public testing::Test {
 protected:
@@ -36,6 +37,7 @@ protected:
 
     std::vector<std::string> boundStart() const {
         return {"Quorvel: global hotkey registered (control,option,N) for " + program.path,
+                "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
                 "Quorvel: ready — 1 app(s) bound", "Quorvel: accessibility granted"};
     }
 
