@@ -1,14 +1,12 @@
 #include "tests/support/x11/XInput.hpp"
 
-// xcb/xkb.h names a field `explicit`.
-#define explicit explicitField
-#include <xcb/xkb.h>
-#undef explicit
 #include <xcb/xtest.h>
 
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+
+#include "platform/linux/Xkb.hpp"
 
 namespace quorvel::test {
 
