@@ -8,7 +8,15 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr auto patience = milliseconds(100);
+constexpr auto patience = milliseconds(120);
+
+/// Not caught between the change of the frame and that of the client in it.
+bool isOfOnePiece(const WindowReading& reading) {
+    constexpr double thickestDecoration = 200;
+    const double dx = reading.frameArea.width - reading.clientArea.width;
+    const double dy = reading.frameArea.height - reading.clientArea.height;
+    return dx >= 0 && dy >= 0 && dx < thickestDecoration && dy < thickestDecoration;
+}
 
 double roundedUp(double length, std::uint32_t base, std::uint32_t increment) {
     if (increment < 2 || increment > 0x7FFF || base > 0x7FFF || length <= base) return length;
@@ -56,45 +64,67 @@ Size FillingStateKeeper::nextLargerSize(xcb_window_t client, Size size) const {
             roundedUp(size.height, hasAnyBase ? hints[base + 1] : 0, hints[10])};
 }
 
-std::optional<GivenUpStates> FillingStateKeeper::leave(const WindowReading& now,
-                                                       Clock::time_point deadline) {
+GivenUpStates FillingStateKeeper::leave(const WindowReading& now, Clock::time_point deadline) {
+    GivenUpStates given{now.states, now.seen, std::nullopt};
     frames.watch(now, true);
     send(now.client, now.states, Change::remove);
     const auto left = frames.await(
-        now.client,
-        [&](const WindowReading& reading) {
-            return !reading.states.any() && reading.clientArea.size() != now.clientArea.size();
-        },
+        now.client, [](const WindowReading& reading) { return !reading.states.any(); },
         std::min(deadline, Clock::now() + patience));
-    if (!left || left->states.any()) return std::nullopt;
-    const GivenUpStates given{now.states, left->seen, left->clientArea.size()};
-
-    const Size decoration{left->seen.width - left->clientArea.width,
-                          left->seen.height - left->clientArea.height};
-    const Size wanted = nextLargerSize(
-        now.client, {now.seen.width - decoration.width, now.seen.height - decoration.height});
-    frames.watch(*left);
-    ladder.request(*left, now.seen.origin(), wanted);
-    frames.await(
-        now.client,
-        [&](const WindowReading& reading) {
-            return reading.clientArea.size() == wanted &&
-                   reading.seen.origin() == now.seen.origin();
-        },
-        std::min(deadline, Clock::now() + patience));
+    if (left && !left->states.any()) keepSize(*left, given, deadline);
     return given;
+}
+
+void FillingStateKeeper::keepSize(const WindowReading& now, GivenUpStates& given,
+                                  Clock::time_point deadline) {
+    std::optional<WindowReading> current = now;
+    if (!given.normal) {
+        current = frames.awaitAnswer(
+            now.client,
+            [&](const WindowReading& reading) {
+                return reading.seen.size() != given.filledSeen.size() && isOfOnePiece(reading);
+            },
+            std::min(deadline, Clock::now() + patience));
+        if (!current || !isOfOnePiece(*current)) return;
+        given.normal = {current->seen, current->clientArea.size()};
+    }
+    // Twice, because some go on with the first change after they have announced it, and then take
+    // no notice of the second.
+    for (int attempt = 0; attempt < 2 && current && isOfOnePiece(*current); ++attempt) {
+        const Size before = current->clientArea.size();
+        const Size wanted = nextLargerSize(
+            now.client, {given.filledSeen.width - (current->seen.width - before.width),
+                         given.filledSeen.height - (current->seen.height - before.height)});
+        frames.watch(*current, true);
+        ladder.request(*current, given.filledSeen.origin(), wanted);
+        current = frames.awaitAnswer(
+            now.client,
+            [&](const WindowReading& reading) {
+                return reading.clientArea.size() == wanted && isOfOnePiece(reading) &&
+                       reading.seen.origin() == given.filledSeen.origin();
+            },
+            std::min(deadline, Clock::now() + patience));
+        const bool wasHeard = current && current->clientArea.width != before.width &&
+                              current->clientArea.height != before.height;
+        if (wasHeard) break;
+    }
 }
 
 void FillingStateKeeper::restore(const WindowReading& now, const GivenUpStates& given,
                                  Clock::time_point deadline) {
     frames.watch(now, true);
-    ladder.request(now, given.normalSeen.origin(), given.normalClientSize);
+    // Some take a window as large as the screen for one that wants to be fullscreen.
+    FillingStates notGiven;
+    notGiven.fullscreen = !given.states.fullscreen;
+    send(now.client, notGiven, Change::remove);
+    if (given.normal) {
+        ladder.request(now, given.normal->seen.origin(), given.normal->clientSize);
+    }
     send(now.client, given.states, Change::add);
     frames.await(
         now.client,
         [&](const WindowReading& reading) {
-            return reading.states == given.states &&
-                   reading.clientArea.size() != given.normalClientSize;
+            return reading.states == given.states && reading.seen == given.filledSeen;
         },
         std::min(deadline, Clock::now() + patience));
 }

@@ -7,11 +7,16 @@
 
 namespace quorvel::native {
 
-/// What a window gave up so that it could be moved.
+/// What a window was asked to give up so that it could be moved. In root coordinates.
 struct GivenUpStates {
+    struct Normal {
+        Rect seen;
+        Size clientSize;
+    };
+
     FillingStates states;
-    Rect normalSeen;  ///< where the window manager put it without them, in root coordinates
-    Size normalClientSize;
+    Rect filledSeen;               ///< where it was seen in them
+    std::optional<Normal> normal;  ///< where it was put without them; once it has left them
 };
 
 /// Takes windows out of the maximised and fullscreen states, which hold them in place, and puts
@@ -22,10 +27,13 @@ public:
 
     FillingStateKeeper(XConnection& x, FrameReader& frames, MoveLadder& ladder);
 
-    /// Waits until the window has settled where it was seen and in the size that it was seen in; a
-    /// window that only has certain sizes gets the next larger one. Nothing when it did not leave
-    /// the states in time.
-    std::optional<GivenUpStates> leave(const WindowReading& now, Clock::time_point deadline);
+    /// Waits until the window has left the states, and keeps its size. One that takes longer than
+    /// `deadline` has no `normal` yet: then `keepSize` does the rest.
+    GivenUpStates leave(const WindowReading& now, Clock::time_point deadline);
+
+    /// Gives a window that has left the states the place and size that it was seen in; one that
+    /// only has certain sizes gets the next larger one.
+    void keepSize(const WindowReading& now, GivenUpStates& given, Clock::time_point deadline);
 
     /// The place and size that it has without the states return too, beneath them.
     void restore(const WindowReading& now, const GivenUpStates& given, Clock::time_point deadline);

@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t deepest = 16;
 
 // Window managers carry out what they are asked in one go; a pause this long ends it.
-constexpr auto quiet = std::chrono::milliseconds(30);
+constexpr auto quiet = std::chrono::milliseconds(40);
 
 xcb_get_property_cookie_t askProperty(const XConnection& x, xcb_window_t window,
                                       std::string_view name) {
@@ -265,6 +265,18 @@ void FrameReader::watch(const WindowReading& window, bool statesToo) const {
 std::optional<WindowReading> FrameReader::await(
     xcb_window_t client, const std::function<bool(const WindowReading&)>& done,
     Clock::time_point latest) {
+    return await(client, done, latest, false);
+}
+
+std::optional<WindowReading> FrameReader::awaitAnswer(
+    xcb_window_t client, const std::function<bool(const WindowReading&)>& done,
+    Clock::time_point latest) {
+    return await(client, done, latest, true);
+}
+
+std::optional<WindowReading> FrameReader::await(
+    xcb_window_t client, const std::function<bool(const WindowReading&)>& done,
+    Clock::time_point latest, bool endsWhenQuiet) {
     xcb_window_t watchedFrame = XCB_WINDOW_NONE;
     while (true) {
         const auto reading = read(client);
@@ -279,7 +291,8 @@ std::optional<WindowReading> FrameReader::await(
             },
             latest);
         if (concern == Concern::none) return reading;
-        if (concern == Concern::geometry) latest = std::min(latest, Clock::now() + quiet);
+        if (endsWhenQuiet && concern == Concern::geometry)
+            latest = std::min(latest, Clock::now() + quiet);
     }
 }
 

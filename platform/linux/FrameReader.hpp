@@ -78,16 +78,24 @@ public:
     /// change is asked for.
     void watch(const WindowReading& window, bool statesToo = false) const;
 
-    /// Reads until a reading is `done`, or nothing more has happened for a while after something
-    /// did, or `latest` has passed. Gives the last reading, done or not.
+    /// Reads until a reading is `done` or `latest` has passed. Gives the last reading, done or not.
     std::optional<WindowReading> await(xcb_window_t client,
                                        const std::function<bool(const WindowReading&)>& done,
                                        Clock::time_point latest);
+
+    /// The same, but no longer than until nothing has happened to the window for a while after
+    /// something did: for what may well end otherwise.
+    std::optional<WindowReading> awaitAnswer(xcb_window_t client,
+                                             const std::function<bool(const WindowReading&)>& done,
+                                             Clock::time_point latest);
 
 private:
     Question ask(xcb_window_t client, const Lineage& lineage) const;
     /// Nothing also when the frame is no longer the one that was asked about.
     std::optional<WindowReading> answer(const Question& question, bool& isOfThisLineage) const;
+    std::optional<WindowReading> await(xcb_window_t client,
+                                       const std::function<bool(const WindowReading&)>& done,
+                                       Clock::time_point latest, bool endsWhenQuiet);
     bool trace(xcb_window_t client, Lineage& lineage) const;
 
     XConnection& x;

@@ -14,6 +14,7 @@ using std::chrono::milliseconds;
 constexpr auto patience = milliseconds(100);
 constexpr auto patienceWithSecondMethod = milliseconds(60);
 constexpr auto patienceWithProbe = milliseconds(50);
+constexpr auto patienceAtABorder = milliseconds(40);
 constexpr auto patienceWhenThereAlready = milliseconds(20);
 
 Point minus(Point a, Point b) {
@@ -75,11 +76,12 @@ std::vector<MoveLadder::Method> MoveLadder::methods() const {
     return result;
 }
 
-bool MoveLadder::movesPastIt(const Memory& memory) const {
+bool MoveLadder::movesPastIt(const WindowReading& now, const Memory& memory) const {
     // One that stands where the window manager does not know stays in our hands until it arrives:
     // requests and our own moves are not carried out in one order.
-    return memory.believed ||
-           (traits.offScreen == OffScreenMoves::clamped && traits.paintsOverriddenFrames);
+    if (memory.believed) return true;
+    if (!traits.paintsOverriddenFrames) return false;
+    return traits.offScreen == OffScreenMoves::clamped || now.states.any();
 }
 
 Point MoveLadder::correctionFor(const WindowReading& now, const Memory& memory) const {
@@ -114,7 +116,9 @@ MoveResult MoveLadder::place(const WindowReading& now, Point target,
     if (!memory.believed && now.seen.origin() == target) return {MoveOutcome::reached};
     const bool leavesTheScreen =
         !isWhollyOnDisplays({target.x, target.y, now.seen.width, now.seen.height}, displays);
-    if (leavesTheScreen && movesPastIt(memory)) return goPastIt(now, target);
+    // A window that fills the screen is not moved on request.
+    const bool isOutOfReach = leavesTheScreen || now.states.any();
+    if (isOutOfReach && movesPastIt(now, memory)) return goPastIt(now, target);
     return askManager(now, target, displays, deadline);
 }
 
@@ -122,7 +126,7 @@ MoveResult MoveLadder::glide(const WindowReading& now, Point target,
                              const std::vector<Rect>& displays, Clock::time_point deadline) {
     const Memory& memory = remember(now);
     if (now.seen.origin() == target) return {MoveOutcome::reached};
-    if (movesPastIt(memory)) return goPastIt(now, target);
+    if (movesPastIt(now, memory)) return goPastIt(now, target);
     if (traits.offScreen == OffScreenMoves::unknown &&
         !isWhollyOnDisplays({target.x, target.y, now.seen.width, now.seen.height}, displays)) {
         return place(now, target, displays, deadline);
@@ -138,7 +142,7 @@ std::optional<WindowReading> MoveLadder::arrival(const WindowReading& before, Po
         // The request only tells the window manager; wait whether it makes anything else of it.
         latest = std::min(latest, Clock::now() + patienceWhenThereAlready);
     }
-    return frames.await(
+    return frames.awaitAnswer(
         before.client,
         [&](const WindowReading& reading) {
             return !startsThere && reading.seen.origin() == target;
@@ -155,15 +159,21 @@ MoveResult MoveLadder::askManager(const WindowReading& now, Point target,
     frames.watch(now);
 
     std::optional<WindowReading> landed;
-    milliseconds limit = patience;
+    // Where windows are kept on the screen this one may stand at the border already, and then
+    // nothing at all happens.
+    const bool isToBeClamped = leavesTheScreen && traits.offScreen == OffScreenMoves::clamped;
+    milliseconds limit = isToBeClamped ? patienceAtABorder : patience;
     for (const Method method : methods()) {
         send(method, now, plus(target, correctionFor(now, memory)));
         landed = arrival(now, target, std::min(deadline, Clock::now() + limit));
         limit = patienceWithSecondMethod;
         if (!landed) return {MoveOutcome::vanished};
-        if (landed->seen.origin() == start && start != target) continue;
+        if (landed->seen.origin() == start && start != target) {
+            if (traits.neverRefuses) break;
+            continue;
+        }
         provenMethod = method;
-        if (landed->seen.origin() != target) {
+        if (landed->seen.origin() != target && !isToBeClamped) {
             landed = correctOnce(method, *landed, target, deadline);
             if (!landed) return {MoveOutcome::vanished};
         }
@@ -189,7 +199,7 @@ MoveResult MoveLadder::askManager(const WindowReading& now, Point target,
     }
     if (traits.paintsOverriddenFrames) return goPastIt(*landed, target);
     // Here a picture of the window could take its place, were there one.
-    return {MoveOutcome::clamped};
+    return {wasAnswered || leavesTheScreen ? MoveOutcome::clamped : MoveOutcome::refused};
 }
 
 std::optional<WindowReading> MoveLadder::correctOnce(Method method, const WindowReading& landed,

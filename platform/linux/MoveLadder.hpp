@@ -53,8 +53,11 @@ public:
     void request(const WindowReading& now, Point target,
                  std::optional<Size> clientSize = std::nullopt);
 
-    /// Whether it would move that window without asking the window manager.
-    bool canMovePastManager(const WindowReading& now) { return movesPastIt(remember(now)); }
+    /// Whether windows that the window manager holds in place can be moved past it.
+    bool canMovePastManager(const WindowReading& now) {
+        remember(now);
+        return traits.paintsOverriddenFrames;
+    }
 
 private:
     enum class Method { moveResize, configure };
@@ -70,7 +73,7 @@ private:
     /// Brings what is remembered up to date with the window manager that runs now.
     Memory& remember(const WindowReading& now);
     std::vector<Method> methods() const;
-    bool movesPastIt(const Memory& memory) const;
+    bool movesPastIt(const WindowReading& now, const Memory& memory) const;
     Point correctionFor(const WindowReading& now, const Memory& memory) const;
     void send(Method method, const WindowReading& now, Point corner,
               std::optional<Size> clientSize = std::nullopt);

@@ -13,6 +13,12 @@ constexpr std::int32_t refused = -1;
 // Every call ends within 0.25 s; the last request of one takes a moment too.
 constexpr auto callLimit = std::chrono::milliseconds(235);
 
+constexpr auto latePatience = std::chrono::milliseconds(60);
+
+bool isSmaller(const Rect& rect, const Rect& than) {
+    return rect.width < than.width || rect.height < than.height;
+}
+
 }  // namespace
 
 X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
@@ -70,9 +76,7 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
     const auto question = manager.ask();
     auto now = read(window);
     manager.update(question);
-    if (now && now->states.any() && !(hold && hold->keepsStates)) {
-        now = freed(*now, hold, deadline);
-    }
+    if (now && (hold || step == MoveStep::final)) now = freed(*now, hold, deadline);
     if (!now) {
         endHold(window);
         return refused;
@@ -89,6 +93,8 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
                                   ? ladder.place(*now, target, displays, deadline)
                                   : ladder.glide(*now, target, displays, deadline);
 
+    // From now on its size is the user's.
+    if (hold && step == MoveStep::final) hold->attemptsLeft = 0;
     const bool staysAway = result.outcome == MoveOutcome::refused;
     if (hold && hold->given && (comesHome || staysAway)) {
         if (const auto arrived = frames.read(now->client)) {
@@ -105,19 +111,32 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
 
 std::optional<WindowReading> X11WindowAccess::freed(const WindowReading& now, Hold* hold,
                                                     Clock::time_point deadline) {
-    const auto given = states.leave(now, deadline);
-    const auto after = frames.read(now.client);
-    if (!given || !hold || !after) return after;
-    const bool hasShrunk =
-        after->seen.width < now.seen.width || after->seen.height < now.seen.height;
-    if (hasShrunk && ladder.canMovePastManager(*after)) {
+    if (now.states.any() && !(hold && hold->keepsStates)) {
+        const GivenUpStates given = states.leave(now, deadline);
+        // What it had first is what returns: some take a window as large as the screen for one
+        // that wants to be fullscreen.
+        if (hold && !hold->given) hold->given = given;
+    } else if (hold && hold->given && !now.states.any() && hold->attemptsLeft > 0 &&
+               isSmaller(now.seen, hold->given->filledSeen)) {
+        // It left them late, or its owner gave it the old size after we had given it the new one.
+        --hold->attemptsLeft;
+        states.keepSize(now, *hold->given, std::min(deadline, Clock::now() + latePatience));
+    } else {
+        return now;
+    }
+    auto after = frames.read(now.client);
+    if (!hold || !after) return after;
+    if (after->states.any()) {
+        hold->keepsStates = true;
+    } else if (isSmaller(after->seen, hold->given->filledSeen) &&
+               ladder.canMovePastManager(*after)) {
         // Its owner and the window manager agree on a smaller size only, and of a window that is
         // smaller than it was thought to be no sliver may be left.
-        states.restore(*after, *given, deadline);
+        states.restore(*after, *hold->given, deadline);
+        hold->given.reset();
         hold->keepsStates = true;
-        return frames.read(now.client);
+        after = frames.read(now.client);
     }
-    hold->given = given;
     return after;
 }
 
@@ -134,9 +153,11 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     hold.originalFrameAX = originalFrameAX;
     hold.comesHome = false;
     hold.keepsStates = false;
+    hold.attemptsLeft = 2;
     // Here already, so that the first frame of the slide is not late.
+    manager.update(manager.ask());
     const auto now = read(window);
-    if (now && now->states.any()) freed(*now, &hold, deadline);
+    if (now) freed(*now, &hold, deadline);
     if (now) heldFrames.add(now->client);
     newHolds.notify();
 }

@@ -56,6 +56,7 @@ private:
         Rect originalFrameAX;  ///< what a note on the window itself would say
         std::optional<GivenUpStates> given;
         bool keepsStates = false;  ///< it is moved past the window manager with its states
+        int attemptsLeft = 0;      ///< to give it the size in which it was seen
         bool comesHome = false;    ///< the next final step is the last one
     };
 

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/support/Printers.hpp"
 #include "tests/support/x11/XSession.hpp"
 
 namespace quorvel::test {

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/linux/X11WindowAccess.hpp"
-#include "tests/support/Printers.hpp"
 #include "tests/support/x11/XSession.hpp"
 
 namespace quorvel::test {

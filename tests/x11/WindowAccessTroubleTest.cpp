@@ -359,6 +359,24 @@ TEST(WindowAccessTroubleTest, CompositedDesktopThatPaintsFramesElsewhereKeepsThe
     EXPECT_EQ(desktop.frame(desktop.handle).origin(), (Point{0, 200}));
 }
 
+TEST(WindowAccessTroubleTest, WindowThatCannotLeaveItsStateIsMovedWithIt) {
+    UnknownDesktop desktop(
+        {.onMessage = TinyManager::ignores, .onConfigure = TinyManager::ignores});
+    const XClient& client = desktop.client.connection();
+    client.setProperty32(desktop.window, "_NET_WM_STATE", "ATOM",
+                         {client.atom("_NET_WM_STATE_FULLSCREEN")});
+    client.sync();
+    desktop.access().hold(desktop.handle, area);
+    desktop.slide(desktop.handle, area.origin(), {-398, 200});
+    EXPECT_EQ(desktop.seen(desktop.window).origin(), (Point{-398, 200}));
+    // Nothing is waited for a second time.
+    const auto start = std::chrono::steady_clock::now();
+    desktop.access().letGo(desktop.handle, EndOfHold::putBack);
+    EXPECT_EQ(desktop.move(desktop.handle, area.origin()), 0);
+    EXPECT_LT(WindowAccessFixture::millisecondsSince(start), 90);
+    EXPECT_EQ(desktop.seen(desktop.window), area);
+}
+
 TEST(WindowAccessTroubleTest, StoppedWindowManagerCostsNoMoreThanTheLimit) {
     for (const WindowManagerKind kind : {WindowManagerKind::openbox, WindowManagerKind::kwin}) {
         SCOPED_TRACE(nameOf(kind));

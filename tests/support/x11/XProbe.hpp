@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Printers.hpp"  // for every test here, or two kinds of text mix
 #include "tests/support/x11/XClient.hpp"
 
 namespace quorvel::test {
