@@ -8,8 +8,9 @@ namespace quorvel::test {
 
 using namespace std::chrono_literals;
 
-/// Long enough for a loaded machine; what is waited for normally happens within milliseconds.
-inline constexpr std::chrono::milliseconds patience = 10s;
+/// Long enough for a machine with many times more to do than it has cores; what is waited for
+/// normally happens within milliseconds.
+inline constexpr std::chrono::milliseconds patience = 30s;
 
 /// Asks until `observed` is true or the time is up; tells which.
 template <class Predicate>
