@@ -93,9 +93,15 @@ void SimulatedApplications::open(const std::string& path, OpenCompletion complet
         runLoop.async([completion, launch] { completion(launch.error); });
         return;
     }
+    if (starting.contains(installed)) {
+        runLoop.async([completion] { completion(std::nullopt); });
+        return;
+    }
     ++launchCounts[installed];
     if (launch.opensWindow) {
+        starting.insert(installed);
         runLoop.after(launch.delay, [this, installed, frameAX = launch.frameAX] {
+            starting.erase(installed);
             server.open({.bundlePath = installed, .frameAX = frameAX});
         });
     }

@@ -67,6 +67,8 @@ private:
     RunLoop& runLoop;
     std::map<std::string, Launch> launches;
     std::map<std::string, std::string> aliases;
+    /// Launched, and their window is not there yet: a second launch would be one too many.
+    std::set<std::string> starting;
     std::vector<std::string> preferred;
     /// What `hide` iconified, to be shown again; the other iconic windows stay so.
     std::set<WindowElement> iconifiedByHide;

@@ -254,6 +254,50 @@ TEST_P(ApplicationsContract, OpeningShowsAHiddenApplication) {
     EXPECT_TRUE(rig->until([&] { return rig->isShown(window) && rig->isActive(window); }));
 }
 
+TEST_P(ApplicationsContract, OpeningAgainWhileItStartsLaunchesOnce) {
+    int completions = 0;
+    const auto count = [&](const std::optional<std::string>& reason) {
+        ++completions;
+        EXPECT_FALSE(reason.has_value());
+    };
+    applications.open(notes, count);
+    applications.open(notes, count);
+    EXPECT_TRUE(rig->until([&] { return completions == 2; }));
+    EXPECT_TRUE(becomesFront(notes));
+    EXPECT_TRUE(rig->never([&] { return rig->launches(notes) > 1; }, 500ms));
+}
+
+TEST_P(ApplicationsContract, PreferredPathIsTheOneThatIsTold) {
+    const std::string copy = rig->installCopy(notes);
+    const Rig::Window window = rig->openWindow(notes, left);
+    ASSERT_TRUE(becomesFront(notes));
+    applications.prefer({copy});
+    EXPECT_TRUE(becomesFront(copy));
+    EXPECT_TRUE(running(copy).has_value());
+    EXPECT_FALSE(running(notes).has_value());
+    rig->openWindow(paint, right);
+    ASSERT_TRUE(becomesFront(paint));
+    const int launches = rig->launches(notes);
+    applications.open(copy, [](const std::optional<std::string>&) {});
+    EXPECT_TRUE(rig->until([&] { return rig->isActive(window); }));
+    EXPECT_EQ(rig->launches(notes), launches);
+    applications.prefer({});
+    EXPECT_TRUE(becomesFront(notes));
+}
+
+TEST_P(ApplicationsContract, WindowOfThisProgramTakesTheFront) {
+    rig->openWindow(notes, left);
+    ASSERT_TRUE(tells({"+notes"}));
+    const Rig::Window own = rig->openOwnWindow();
+    EXPECT_TRUE(rig->until([&] { return events.size() >= 2 && events[1] == "-notes"; }));
+    EXPECT_TRUE(rig->until([&] {
+        const auto application = applications.frontmostApplication();
+        return application && application->processIdentifier == rig->ownProcessIdentifier();
+    }));
+    rig->closeWindow(own);
+    EXPECT_TRUE(rig->until([&] { return events.back() == "+notes"; }));
+}
+
 TEST_P(ApplicationsContract, OpeningWhatIsNotInstalledTellsWhy) {
     int completions = 0;
     std::string error;

@@ -67,6 +67,8 @@ public:
 
     /// Puts a program on the disk that opens one window when it is launched. Gives its path.
     virtual std::string install(const std::string& name) = 0;
+    /// The same program by another path, outside the standard folders.
+    virtual std::string installCopy(const std::string& path) = 0;
     /// Starts the program at need. The window is active afterwards; its frame is about as wanted.
     virtual Window openWindow(const std::string& path, const Rect& wantedFrameAX) = 0;
     virtual Window openDialog(const std::string& path, Window parent) = 0;
@@ -95,6 +97,19 @@ public:
     virtual bool isInFrontOf(Window front, Window back) = 0;
     virtual bool fillsDisplay(Window window) = 0;  ///< by its state, not by its frame
 
+    // This program itself ------------------------------------------------------------------------
+
+    /// A window of the process under test, active afterwards.
+    virtual Window openOwnWindow() = 0;
+    virtual std::int32_t ownProcessIdentifier() = 0;
+
+    /// No window manager runs any more.
+    virtual void endWindowManager() = 0;
+    virtual void restartWindowManager() = 0;
+    /// How often the user was told why this program is not trusted, and the end of that message.
+    virtual int trustPrompts() = 0;
+    virtual void closeTrustPrompt() = 0;
+
     // Files of others ----------------------------------------------------------------------------
 
     /// One text in the preferences of another program.
@@ -120,6 +135,9 @@ RigKind hotPlugRig();
 std::vector<RigKind> windowManagerRigs();
 /// Those where a user can iconify a window.
 std::vector<RigKind> iconifyingRigs();
+/// Two displays of 1280 × 800 side by side, which can be unplugged: with each window manager, and
+/// in memory.
+std::vector<RigKind> twoDisplayRigs();
 std::vector<RigKind> operator+(std::vector<RigKind> kinds, const RigKind& more);
 
 }  // namespace quorvel::test

@@ -74,6 +74,11 @@ public:
         simulated.install(path, name);
         return path;
     }
+    std::string installCopy(const std::string& path) override {
+        const std::string copy = "/home/someone/" + path.substr(path.rfind('/') + 1);
+        simulated.applications.addAlias(path, copy);
+        return copy;
+    }
     Window openWindow(const std::string& path, const Rect& wantedFrameAX) override {
         return simulated.server.open({.bundlePath = path, .frameAX = wantedFrameAX});
     }
@@ -126,6 +131,16 @@ public:
     bool fillsDisplay(Window window) override {
         return simulated.server.window(window).isMaximized;
     }
+
+    Window openOwnWindow() override {
+        return simulated.server.open({.bundlePath = simulated.server.ownPath,
+                                      .processIdentifier = simulated.server.ownProcessIdentifier});
+    }
+    std::int32_t ownProcessIdentifier() override { return simulated.server.ownProcessIdentifier; }
+    void endWindowManager() override { simulated.trust.granted = false; }
+    void restartWindowManager() override { simulated.trust.granted = true; }
+    int trustPrompts() override { return simulated.trust.promptCount; }
+    void closeTrustPrompt() override { simulated.trust.promptIsShown = false; }
 
     void writeOtherDomain(const std::string& domain, const std::string& key,
                           const std::string& text) override {

@@ -246,6 +246,51 @@ TEST_P(IconicWindowsContract, IconicWindowIsNotTheFocusedOne) {
     EXPECT_TRUE(rig->until([&] { return focused(notes) == first; }));
 }
 
+class WindowsOnTwoDisplaysContract : public WindowsContract {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(rig->until([&] { return desktop.screens.screens().size() == 2; }));
+    }
+    /// Not opened there: some open windows on the display of the keyboard, and move none to
+    /// another.
+    AXWindow notesOnTheSecond() {
+        const AXWindow handle = openNotes();
+        expectAt(handle, {1500, 150});
+        original = seen();
+        return handle;
+    }
+};
+
+TEST_P(WindowsOnTwoDisplaysContract, MoveFromOneDisplayToTheOtherIsExact) {
+    const AXWindow handle = openNotes();
+    expectAt(handle, {1500, 300});
+    expectAt(handle, {100, 100});
+}
+
+TEST_P(WindowsOnTwoDisplaysContract, TwoPointsStayVisibleAtTheFarEdge) {
+    const AXWindow handle = notesOnTheSecond();
+    desktop.windows.hold(handle, original);
+    expectAt(handle, {2558, original.y});
+    desktop.windows.letGo(handle, EndOfHold::putBack);
+    expectAt(handle, original.origin());
+}
+
+TEST_P(WindowsOnTwoDisplaysContract, WindowWhoseDisplayHasGoneComesHomeToTheNearest) {
+    const AXWindow handle = notesOnTheSecond();
+    desktop.windows.hold(handle, original);
+    expectAt(handle, {2558, original.y});
+    rig->arrange({{0, 0, 1280, 800}, {}});
+    ASSERT_TRUE(rig->until([&] { return desktop.screens.screens().size() == 1; }));
+    desktop.windows.letGo(handle, EndOfHold::putBack);
+    EXPECT_EQ(moveTo(handle, original.origin()), 0);
+    const Point expected{1280 - original.width, original.y};
+    EXPECT_EQ(read(handle).origin(), expected);
+    EXPECT_EQ(seen().origin(), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(, WindowsOnTwoDisplaysContract, testing::ValuesIn(twoDisplayRigs()),
+                         rigName);
+
 INSTANTIATE_TEST_SUITE_P(, WindowsContract, testing::ValuesIn(windowManagerRigs() + simulatedRig()),
                          rigName);
 

@@ -16,6 +16,7 @@
 #include "platform/linux/X11Pointer.hpp"
 #include "platform/linux/X11PollTimers.hpp"
 #include "platform/linux/X11Screens.hpp"
+#include "platform/linux/X11Trust.hpp"
 #include "platform/linux/X11WindowAccess.hpp"
 #include "platform/linux/XConnection.hpp"
 #include "platform/linux/XdgApplicationCatalog.hpp"
@@ -47,15 +48,10 @@ public:
                 hotKeys, applications, catalog,  windows, trust,   loginItem};
     }
 
-private:
-    /// No test here asks; a real one shows alerts.
-    struct NoTrust final : Trust {
-        bool isTrusted() const override { throw std::logic_error("not in this rig"); }
-        std::string reason() const override { throw std::logic_error("not in this rig"); }
-        bool isTrustedWithPrompt() override { throw std::logic_error("not in this rig"); }
-        bool openSettingsPane() override { throw std::logic_error("not in this rig"); }
-    };
+    int trustPrompts = 0;
+    std::function<void()> closeTrustPrompt;
 
+private:
     std::vector<Rect> displaysInRoot() const {
         std::vector<Rect> result;
         const Point origin = screens.axOriginInRoot();
@@ -86,7 +82,11 @@ private:
     native::X11WindowAccess windows{*connection, elements, manager, applications,
                                     [this] { return displaysInRoot(); }};
     native::X11PollTimers pollTimers{*connection, runLoop, pointer, screens, windows};
-    NoTrust trust;
+    native::X11Trust trust{*connection, false,
+                           [this](const std::string&, std::function<void()> closed) {
+                               ++trustPrompts;
+                               closeTrustPrompt = std::move(closed);
+                           }};
     native::XdgLoginItem loginItem{folders, "/usr/bin/Quorvel"};
 };
 
@@ -127,6 +127,12 @@ public:
                             number(frame.x) + "x" + number(frame.y)});
         }
         session.server().xrandr(options);
+        if (session.windowManager() == nullptr) return;
+        need(waitUntil([&] { return windowManagerKnowsDisplays(displaysAX); }), "follow displays");
+        // KWin has no answer to it, but tells of the displays when it is done with them.
+        if (session.windowManager()->kind() != WindowManagerKind::kwin) {
+            session.windowManager()->sync();
+        }
     }
 
     void keyDown(const std::string& key, std::uint32_t modifiers) override {
@@ -170,6 +176,12 @@ public:
         applications[path] = std::move(application);
         return path;
     }
+    std::string installCopy(const std::string& path) override {
+        const std::filesystem::path copy =
+            session.folder() / "home" / std::filesystem::path(path).filename().string();
+        std::filesystem::copy_file(path, copy);
+        return copy.string();
+    }
     Window openWindow(const std::string& path, const Rect& wantedFrameAX) override {
         const Window window = applications.at(path)->open(wantedFrameAX);
         owners[window] = path;
@@ -189,7 +201,12 @@ public:
         return window;
     }
     void closeWindow(Window window) override {
-        applications.at(owners.at(window))->close(xcb_window_t(window));
+        const auto owner = owners.find(window);
+        if (owner == owners.end()) {
+            otherClient.destroy(xcb_window_t(window));
+        } else {
+            applications.at(owner->second)->close(xcb_window_t(window));
+        }
         need(waitUntil([&] { return !probe.isManaged(xcb_window_t(window)); }), "close");
     }
     int launches(const std::string& path) override { return applications.at(path)->launches(); }
@@ -257,6 +274,21 @@ public:
         return false;
     }
 
+    Window openOwnWindow() override {
+        const Window window = session.open(otherClient, {.area = {350, 250, 300, 200}});
+        activate(window);
+        return window;
+    }
+    std::int32_t ownProcessIdentifier() override { return getpid(); }
+    void endWindowManager() override {
+        lastManager = session.windowManager()->kind();
+        session.stopWindowManager();
+    }
+    void restartWindowManager() override { startWindowManager(lastManager); }
+    void startWindowManager(WindowManagerKind kind) { session.startWindowManager(kind); }
+    int trustPrompts() override { return native.trustPrompts; }
+    void closeTrustPrompt() override { native.closeTrustPrompt(); }
+
     void writeOtherDomain(const std::string& domain, const std::string& key,
                           const std::string& text) override {
         session.folder().write("config/" + domain + "/defaults.json", record(key, text));
@@ -283,6 +315,31 @@ private:
         }
         return result;
     }
+    /// By what it publishes about the desktop; i3 has a workspace on each display instead, and
+    /// Xfwm4 keeps publishing what was there when it started.
+    bool windowManagerKnowsDisplays(const std::vector<Rect>& displaysAX) const {
+        const WindowManagerKind kind = session.windowManager()->kind();
+        if (kind == WindowManagerKind::xfwm4) return true;
+        std::uint32_t width = 0;
+        std::uint32_t height = 0;
+        std::size_t count = 0;
+        for (const Rect& display : displaysAX) {
+            if (display.isEmpty()) continue;
+            width = std::max(width, std::uint32_t(display.maxX()));
+            height = std::max(height, std::uint32_t(display.maxY()));
+            ++count;
+        }
+        const XClient& x = probe.connection();
+        if (kind != WindowManagerKind::i3) {
+            return x.property32(x.root(), "_NET_DESKTOP_GEOMETRY") == std::vector{width, height};
+        }
+        const auto places = x.property32(x.root(), "_NET_DESKTOP_VIEWPORT");
+        if (places.size() < 2 * count) return false;
+        for (std::size_t i = 0; i + 1 < places.size(); i += 2) {
+            if (places[i] >= width || places[i + 1] >= height) return false;
+        }
+        return true;
+    }
     static std::string record(const std::string& key, const std::string& text) {
         return "{ \"" + key + "\": \"" + text + "\" }\n";
     }
@@ -292,6 +349,7 @@ private:
 
     XSession session;
     const XProbe& probe = session.probe();
+    WindowManagerKind lastManager{};
     TestClient otherClient{session.displayName()};
     std::map<std::string, std::unique_ptr<TestApplication>> applications;
     std::map<Window, std::string> owners;
@@ -317,6 +375,27 @@ std::vector<RigKind> windowManagerRigs() {
     for (const WindowManagerKind kind : allWindowManagers()) {
         kinds.push_back(rigOn(nameOf(kind), {.windowManager = kind}));
     }
+    return kinds;
+}
+
+std::vector<RigKind> twoDisplayRigs() {
+    const std::vector<Rect> displaysAX{{0, 0, 1280, 800}, {1280, 0, 1280, 800}};
+    std::vector<RigKind> kinds;
+    for (const WindowManagerKind kind : allWindowManagers()) {
+        kinds.push_back({nameOf(kind), [kind, displaysAX] {
+                             auto rig = std::make_unique<X11Rig>(XSessionOptions{
+                                 .server = XServerKind::hotPlug, .windowManager = std::nullopt});
+                             // Xfwm4 does not get to know displays that come later.
+                             rig->arrange(displaysAX);
+                             rig->startWindowManager(kind);
+                             return rig;
+                         }});
+    }
+    kinds.push_back({simulatedRig().name, [displaysAX] {
+                         auto rig = simulatedRig().make();
+                         rig->arrange(displaysAX);
+                         return rig;
+                     }});
     return kinds;
 }
 

@@ -187,4 +187,18 @@ WindowManager::WindowManager(WindowManagerKind kind, const Environment& environm
     need(waitUntil([&] { return !probe.isManaged(window); }), "notice the end of a window");
 }
 
+void WindowManager::sync() {
+    // It handles events in their order, so its answer to a question comes last.
+    const XClient& x = firstClient.connection();
+    const xcb_window_t window = xcb_generate_id(x.xcb());
+    xcb_create_window(x.xcb(), XCB_COPY_FROM_PARENT, window, x.root(), 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    x.sendToRoot(window, "_NET_REQUEST_FRAME_EXTENTS", {0, 0, 0, 0, 0});
+    const bool answered =
+        waitUntil([&] { return !x.property32(window, "_NET_FRAME_EXTENTS").empty(); });
+    xcb_destroy_window(x.xcb(), window);
+    x.sync();
+    if (!answered) throw std::runtime_error(nameOf(managerKind) + " does not answer");
+}
+
 }  // namespace quorvel::test

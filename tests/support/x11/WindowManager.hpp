@@ -29,6 +29,9 @@ public:
     WindowManagerKind kind() const { return managerKind; }
     bool isRunning() const { return process.isRunning(); }
     void signal(int number) const { process.signal(number); }
+    /// Returns when it has handled all that has happened so far. Throws when it does not;
+    /// KWin never does.
+    void sync();
     /// Ends it at once; its windows stay.
     void kill() { process.end(); }
 

@@ -43,7 +43,7 @@ public:
     const XProbe& probe() const { return *eye; }
 
     /// Null before the first `startWindowManager` when the options name none.
-    WindowManager* windowManager() { return manager.get(); }
+    WindowManager* windowManager() const { return manager.get(); }
     void startWindowManager(WindowManagerKind kind);
     void stopWindowManager() { manager.reset(); }
 
