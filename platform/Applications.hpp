@@ -41,9 +41,12 @@ public:
     /// False for an application without windows.
     virtual bool isHidden(const RunningApplication& application) const = 0;
     virtual void hide(const RunningApplication& application) = 0;
+    /// Shows the windows that `hide` took away, also after the user has brought back some of them;
+    /// those that the user iconified stay so. Where none is left that `hide` took, a hidden
+    /// application gets all its windows back. The keyboard stays where it is.
     virtual void unhide(const RunningApplication& application) = 0;
 
-    /// Shows it if it is hidden and gives its most recently active window the keyboard.
+    /// Unhides it and gives its most recently active window the keyboard.
     virtual void activate(const RunningApplication& application) = 0;
 
     /// Activates the application at `path`, launching it first when it is not running. The

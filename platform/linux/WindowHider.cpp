@@ -68,7 +68,8 @@ std::vector<xcb_window_t> WindowHider::toBeShown(const std::vector<xcb_window_t>
         all.push_back(window);
         if (offscreen.isHidden(window) || iconified.contains(window)) ours.push_back(window);
     }
-    return ours.empty() ? all : ours;
+    const bool areAllHidden = all.size() == windows.size();
+    return ours.empty() && areAllHidden ? all : ours;
 }
 
 void WindowHider::show(const std::vector<xcb_window_t>& windows) {

@@ -28,7 +28,8 @@ public:
     /// In this order. Remembers those that were in sight.
     void hide(const std::vector<xcb_window_t>& windows);
 
-    /// Of these, in their order: those that `hide` hid, or all that are hidden when there are none.
+    /// Of these, in their order: those that `hide` hid and nobody has shown since, or, where there
+    /// are none and not one is in sight, all.
     std::vector<xcb_window_t> toBeShown(const std::vector<xcb_window_t>& windows);
 
     /// In this order. Whatever was active stays active, or becomes so again.

@@ -92,9 +92,8 @@ void X11Applications::hide(const RunningApplication& application) {
 }
 
 void X11Applications::unhide(const RunningApplication& application) {
-    const auto windows = windowsOf(application);
-    if (!areHidden(windows)) return;
-    auto shown = hider.toBeShown(windows);
+    auto shown = hider.toBeShown(windowsOf(application));
+    if (shown.empty()) return;
     std::reverse(shown.begin(), shown.end());
     hider.show(shown);
     followSoon();
@@ -103,19 +102,18 @@ void X11Applications::unhide(const RunningApplication& application) {
 void X11Applications::activate(const RunningApplication& application) {
     const auto windows = windowsOf(application);
     if (windows.empty()) return;
-    if (areHidden(windows)) {
-        auto others = hider.toBeShown(windows);
-        const xcb_window_t main = others.front();
-        others.erase(others.begin());
-        std::reverse(others.begin(), others.end());
-        bringForward(others, main);
-        followSoon();
-        return;
-    }
-    const auto inSight = std::find_if(windows.begin(), windows.end(), [this](xcb_window_t window) {
-        return !hider.isHidden(window);
-    });
-    bringForward({}, inSight == windows.end() ? windows.front() : *inSight);
+    auto shown = hider.toBeShown(windows);
+    const auto willBeInSight = [&](xcb_window_t window) {
+        return !hider.isHidden(window) ||
+               std::find(shown.begin(), shown.end(), window) != shown.end();
+    };
+    const auto main = std::find_if(windows.begin(), windows.end(), willBeInSight);
+    if (main == windows.end()) return;
+    const bool showsAny = !shown.empty();
+    std::erase(shown, *main);
+    std::reverse(shown.begin(), shown.end());
+    bringForward(shown, *main);
+    if (showsAny) followSoon();
 }
 
 void X11Applications::bringForward(const std::vector<xcb_window_t>& others, xcb_window_t main) {

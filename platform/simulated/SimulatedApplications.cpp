@@ -46,27 +46,26 @@ bool SimulatedApplications::isHidden(const RunningApplication& application) cons
 }
 
 void SimulatedApplications::hide(const RunningApplication& application) {
-    for (const SimulatedWindow* window : windowsOf(application)) {
-        if (!window->isIconic) iconifiedByHide.insert(window->element);
-    }
     // From the back to the front, so that the keyboard does not wander through its own windows.
     auto windows = windowsOf(application);
     std::sort(windows.begin(), windows.end(),
               [](const auto* a, const auto* b) { return a->lastActive < b->lastActive; });
-    for (const SimulatedWindow* window : windows) server.iconify(window->element);
+    for (const SimulatedWindow* window : windows) {
+        if (window->isIconic) continue;
+        server.iconify(window->element);
+        iconifiedByHide[window->element] = window->iconifications;
+    }
 }
 
 void SimulatedApplications::unhide(const RunningApplication& application) {
-    if (!isHidden(application)) return;
-    std::vector<WindowElement> remembered;
-    std::vector<WindowElement> everything;
-    for (const SimulatedWindow* window : windowsOf(application)) {
-        everything.push_back(window->element);
-        if (iconifiedByHide.erase(window->element) > 0) remembered.push_back(window->element);
-    }
-    for (const WindowElement window : remembered.empty() ? everything : remembered) {
-        server.deiconify(window);
-    }
+    auto toBeShown = windowsOf(application);
+    std::erase_if(toBeShown, [this](const SimulatedWindow* window) {
+        const auto remembered = iconifiedByHide.extract(window->element);
+        return remembered.empty() || !window->isIconic ||
+               remembered.mapped() != window->iconifications;
+    });
+    if (toBeShown.empty() && isHidden(application)) toBeShown = windowsOf(application);
+    for (const SimulatedWindow* window : toBeShown) server.deiconify(window->element);
 }
 
 void SimulatedApplications::activate(const RunningApplication& application) {

@@ -70,8 +70,9 @@ private:
     /// Launched, and their window is not there yet: a second launch would be one too many.
     std::set<std::string> starting;
     std::vector<std::string> preferred;
-    /// What `hide` iconified, to be shown again; the other iconic windows stay so.
-    std::set<WindowElement> iconifiedByHide;
+    /// What `hide` iconified, to be shown again, and which time that was for the window: one that
+    /// has been shown since and is iconic again is somebody else's doing.
+    std::map<WindowElement, int> iconifiedByHide;
     std::optional<RunningApplication> reportedFront;
     std::uint64_t activeChanges = 0;
     Subscribers<const RunningApplication&> activatedHandlers;

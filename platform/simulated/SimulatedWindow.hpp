@@ -41,6 +41,7 @@ struct SimulatedWindow {
     std::int32_t processIdentifier = 0;
     Rect frameAX;
     bool isIconic = false;
+    int iconifications = 0;  ///< how often it has become iconic
     /// A dialog of this window.
     std::optional<WindowElement> transientFor;
     bool isModal = false;

@@ -74,6 +74,7 @@ void SimulatedWindowServer::iconify(WindowElement window) {
     SimulatedWindow* found = find(window);
     if (!found || found->isIconic) return;
     found->isIconic = true;
+    ++found->iconifications;
     if (activeWindow == window) activateNext();
 }
 

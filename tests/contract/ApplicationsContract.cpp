@@ -135,6 +135,35 @@ TEST_P(ApplicationsContract, UnhidingShowsWhatHidingHid) {
     EXPECT_TRUE(rig->until([&] { return rig->seenFrameAX(second) == secondFrame; }));
 }
 
+TEST_P(ApplicationsContract, UnhidingShowsTheRestWhenTheUserBroughtOneBack) {
+    const Rig::Window first = rig->openWindow(notes, left);
+    const Rig::Window second = rig->openWindow(notes, right);
+    const RunningApplication application = awaited(notes);
+    applications.hide(application);
+    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    rig->activate(first);
+    ASSERT_TRUE(rig->until([&] { return !applications.isHidden(application); }));
+    ASSERT_TRUE(rig->never([&] { return rig->isShown(second); }, 100ms));
+    applications.unhide(application);
+    EXPECT_TRUE(rig->until([&] { return rig->isShown(second); }));
+    EXPECT_TRUE(rig->until([&] { return rig->isActive(first); }));
+}
+
+TEST_P(ApplicationsContract, ActivatingShowsTheRestWhenTheUserBroughtOneBack) {
+    const Rig::Window first = rig->openWindow(notes, left);
+    const Rig::Window second = rig->openWindow(notes, right);
+    const RunningApplication application = awaited(notes);
+    applications.hide(application);
+    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    rig->activate(first);
+    ASSERT_TRUE(becomesFront(notes));
+    rig->openWindow(paint, right);
+    ASSERT_TRUE(becomesFront(paint));
+    applications.activate(application);
+    EXPECT_TRUE(rig->until([&] { return rig->isShown(second); }));
+    EXPECT_TRUE(rig->until([&] { return rig->isActive(first); }));
+}
+
 TEST_P(ApplicationsContract, UnhidingLeavesTheKeyboardWhereItIs) {
     const Rig::Window window = rig->openWindow(notes, left);
     const Rig::Window other = rig->openWindow(paint, right);
@@ -355,6 +384,31 @@ TEST_P(IconicApplicationsContract, UnhidingShowsAllWhenTheUserHadIconifiedAll) {
     ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
     applications.unhide(application);
     EXPECT_TRUE(rig->until([&] { return rig->isShown(first) && rig->isShown(second); }));
+}
+
+TEST_P(IconicApplicationsContract, UnhidingShowsNothingOfAnApplicationInSight) {
+    const Rig::Window kept = rig->openWindow(notes, left);
+    rig->openWindow(notes, right);
+    rig->iconify(kept);
+    const RunningApplication application = awaited(notes);
+    applications.unhide(application);
+    applications.activate(application);
+    EXPECT_TRUE(rig->never([&] { return rig->isShown(kept); }, 200ms));
+}
+
+TEST_P(IconicApplicationsContract, WhatTheUserBroughtBackAndIconifiedIsTheUsersDoing) {
+    const Rig::Window usersOwn = rig->openWindow(notes, left);
+    const Rig::Window hidden = rig->openWindow(notes, right);
+    const RunningApplication application = awaited(notes);
+    applications.hide(application);
+    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    rig->activate(usersOwn);
+    ASSERT_TRUE(rig->until([&] { return !applications.isHidden(application); }));
+    rig->iconify(usersOwn);
+    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    applications.unhide(application);
+    EXPECT_TRUE(rig->until([&] { return rig->isShown(hidden); }));
+    EXPECT_TRUE(rig->never([&] { return rig->isShown(usersOwn); }, 200ms));
 }
 
 INSTANTIATE_TEST_SUITE_P(, ApplicationsContract,
