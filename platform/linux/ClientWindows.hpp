@@ -4,42 +4,14 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <optional>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "platform/linux/ClientWindowReader.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/XConnection.hpp"
 
 namespace quorvel::native {
-
-/// Stands for all workspaces at once.
-inline constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
-
-/// What a top-level window says of itself and its window manager of it.
-struct ClientWindow {
-    enum class Kind {
-        normal,
-        dialog,
-        furniture,  ///< a dock or the desktop: part of the desktop itself
-        accessory,  ///< a tool box, splash screen, menu and the like
-    };
-
-    Kind kind = Kind::normal;
-    xcb_window_t transientFor = XCB_WINDOW_NONE;
-    bool isModal = false;
-    bool isIconic = false;
-    std::optional<std::uint32_t> desktop;  ///< a workspace, or `allDesktops`
-    std::int32_t pid = 0;                  ///< 0 when unknown
-    std::string instanceName;              ///< WM_CLASS, as the next one
-    std::string className;
-    std::string gtkApplicationId;
-    std::string kdeDesktopFile;
-
-    bool operator==(const ClientWindow&) const = default;
-};
 
 /// The windows that the window manager manages, what is known of each, and the one that has the
 /// keyboard. Follows events and asks the server only for what has changed. Where no EWMH window
@@ -87,9 +59,6 @@ public:
     [[nodiscard]] Subscription onWindowChange(std::function<void(xcb_window_t, Change)> handler);
 
 private:
-    struct Atoms;
-    struct Questions;
-
     void handle(const xcb_generic_event_t& event);
     void handleProperty(const xcb_property_notify_event_t& change);
     void managerChanged();
@@ -99,18 +68,11 @@ private:
     xcb_window_t readActive();
     xcb_window_t focusedClient();
     void updateList();
-    std::vector<xcb_window_t> windowsOnScreen();
     void load(const std::vector<xcb_window_t>& windows);
-    Questions ask(xcb_window_t window) const;
-    std::optional<ClientWindow> take(const Questions& questions) const;
-    /// From the top down, the children of the root that hold these windows.
-    std::vector<xcb_window_t> byStacking(const std::vector<xcb_window_t>& windows) const;
 
     XConnection& x;
     WindowManagerInfo& manager;
-    std::shared_ptr<const Atoms> atoms;
-    bool tellsPids = false;
-    bool tellsHidden = false;
+    ClientWindowReader reader;
     bool listIsFresh = false;
     bool activityIsSeeded = false;
     std::vector<xcb_window_t> list;
