@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/linux/WindowTree.hpp"
+
 namespace quorvel::native {
 namespace {
 
@@ -106,7 +108,20 @@ std::vector<std::pair<xcb_window_t, ClientWindow>> ClientWindowReader::read(
             found.emplace_back(windows[i], std::move(*client));
         }
     }
+    for (auto& [window, client] : found) {
+        if (tellsHidden && client.isShaded && client.isIconic) lookAtFrame(window, client);
+    }
     return found;
+}
+
+/// Some window managers mark windows hidden, and iconic in WM_STATE, for being shaded alone.
+void ClientWindowReader::lookAtFrame(xcb_window_t window, ClientWindow& client) const {
+    client.tellingFrame = frameOf(x, window);
+    if (client.tellingFrame == XCB_WINDOW_NONE) return;
+    x.select(client.tellingFrame, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    const Reply<xcb_get_window_attributes_reply_t> frame(xcb_get_window_attributes_reply(
+        x.xcb(), xcb_get_window_attributes(x.xcb(), client.tellingFrame), nullptr));
+    client.isIconic = !frame || frame->map_state != XCB_MAP_STATE_VIEWABLE;
 }
 
 ClientWindowReader::Concern ClientWindowReader::concernOf(xcb_atom_t property) const {
@@ -172,8 +187,9 @@ std::optional<ClientWindow> ClientWindowReader::take(const Questions& questions,
     };
     client.isModal = has(atoms->modal);
     const auto state = numbersIn(wmState.get(), atoms->wmState);
-    client.isIconic = tellsHidden ? has(atoms->hidden) && !has(atoms->shaded)
-                                  : !state.empty() && state.front() == iconicState;
+    client.isShaded = has(atoms->shaded);
+    client.isIconic =
+        tellsHidden ? has(atoms->hidden) : !state.empty() && state.front() == iconicState;
     const auto desktops = numbersIn(desktop.get(), XCB_ATOM_CARDINAL);
     if (!desktops.empty()) client.desktop = desktops.front();
 

@@ -29,6 +29,9 @@ struct ClientWindow {
     xcb_window_t transientFor = XCB_WINDOW_NONE;
     bool isModal = false;
     bool isIconic = false;
+    bool isShaded = false;  ///< rolled up to its title bar; perhaps iconic as well
+    /// Whose coming and going tells whether it is iconic; XCB_WINDOW_NONE where the properties do.
+    xcb_window_t tellingFrame = XCB_WINDOW_NONE;
     std::optional<std::uint32_t> desktop;  ///< a workspace, or `allDesktops`
     std::int32_t pid = 0;                  ///< 0 when unknown
     std::string instanceName;              ///< WM_CLASS, as the next one
@@ -46,7 +49,8 @@ public:
     explicit ClientWindowReader(XConnection& x);
     ~ClientWindowReader();
 
-    /// Those that exist, in their order, in one round trip. `tellsHidden` where the window manager
+    /// Those that exist, in their order, in one round trip, and a few more for shaded ones; selects
+    /// the events of a `tellingFrame`. `tellsHidden` where the window manager
     /// marks iconic windows (EWMH); elsewhere WM_STATE has to do, which in many places is iconic
     /// for windows on other workspaces too.
     std::vector<std::pair<xcb_window_t, ClientWindow>> read(
@@ -61,6 +65,7 @@ private:
     struct Questions;
 
     Questions ask(xcb_window_t window) const;
+    void lookAtFrame(xcb_window_t window, ClientWindow& client) const;
     std::optional<ClientWindow> take(const Questions& questions, bool tellsHidden) const;
 
     XConnection& x;

@@ -133,7 +133,13 @@ void ClientWindows::handle(const xcb_generic_event_t& event) {
             return;
         }
         case XCB_MAP_NOTIFY:
+            frameCameOrWent(reinterpret_cast<const xcb_map_notify_event_t&>(event).window);
+            if (!manager.isRunning()) listChanged();
+            return;
         case XCB_UNMAP_NOTIFY:
+            frameCameOrWent(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window);
+            if (!manager.isRunning()) listChanged();
+            return;
         case XCB_REPARENT_NOTIFY:
             if (!manager.isRunning()) listChanged();
             return;
@@ -144,6 +150,16 @@ void ClientWindows::handle(const xcb_generic_event_t& event) {
         default:
             return;
     }
+}
+
+void ClientWindows::frameCameOrWent(xcb_window_t frame) {
+    const auto held = std::find_if(known.begin(), known.end(), [&](const auto& each) {
+        return each.second.tellingFrame == frame;
+    });
+    if (held == known.end()) return;
+    const xcb_window_t window = held->first;
+    known.erase(held);
+    windowHandlers.notify(window, Change::state);
 }
 
 void ClientWindows::handleProperty(const xcb_property_notify_event_t& change) {

@@ -60,6 +60,7 @@ public:
 
 private:
     void handle(const xcb_generic_event_t& event);
+    void frameCameOrWent(xcb_window_t frame);
     void handleProperty(const xcb_property_notify_event_t& change);
     void managerChanged();
     void listChanged();

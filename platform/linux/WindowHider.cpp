@@ -109,11 +109,11 @@ std::vector<xcb_window_t> WindowHider::iconify(const std::vector<xcb_window_t>& 
     const bool isHopeless = !habits.iconifies && isSaidToIgnoreIconify(manager);
     auto left = waitUntil(true, windows, isHopeless ? hope : patience);
     if (left.size() < windows.size()) habits.iconifies = true;
-    // A dialog, or a window of another workspace, may be refused what others are granted.
+    // A dialog, a shaded window or one of another workspace may be refused what others are granted.
     const bool isTelling = std::any_of(left.begin(), left.end(), [this](xcb_window_t window) {
         const ClientWindow* client = clients.find(window);
         return client != nullptr && client->kind == ClientWindow::Kind::normal &&
-               clients.isOnCurrentDesktop(window);
+               !client->isShaded && clients.isOnCurrentDesktop(window);
     });
     if (isTelling && !habits.iconifies) habits.ignoresIconify = true;
     return left;
@@ -156,6 +156,9 @@ std::vector<xcb_window_t> WindowHider::waitUntil(bool isIconic, std::vector<xcb_
                 return (change.atom == wmState || change.atom == netState) &&
                        contains(windows, change.window);
             }
+            case XCB_MAP_NOTIFY:
+            case XCB_UNMAP_NOTIFY:
+                return true;  // of a frame, which may be all that tells
             case XCB_DESTROY_NOTIFY:
                 return contains(windows,
                                 reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);

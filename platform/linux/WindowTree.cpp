@@ -106,6 +106,15 @@ std::vector<xcb_window_t> byStacking(const XConnection& x,
     return result;
 }
 
+xcb_window_t frameOf(const XConnection& x, xcb_window_t window) {
+    xcb_window_t parent = parentOf(x, window);
+    while (parent != x.root() && parent != XCB_WINDOW_NONE) {
+        window = parent;
+        parent = parentOf(x, window);
+    }
+    return parent == XCB_WINDOW_NONE ? parent : window;
+}
+
 xcb_window_t parentOf(const XConnection& x, xcb_window_t window) {
     const auto tree = takeTree(x, xcb_query_tree(x.xcb(), window));
     return tree ? tree->parent : xcb_window_t{XCB_WINDOW_NONE};

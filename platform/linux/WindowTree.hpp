@@ -18,6 +18,9 @@ std::vector<xcb_window_t> windowsOnScreen(const XConnection& x);
 std::vector<xcb_window_t> byStacking(const XConnection& x,
                                      const std::vector<xcb_window_t>& windows);
 
+/// The ancestor right under the root, or the window itself; XCB_WINDOW_NONE when it is gone.
+xcb_window_t frameOf(const XConnection& x, xcb_window_t window);
+
 /// XCB_WINDOW_NONE for the root and for one that is gone.
 xcb_window_t parentOf(const XConnection& x, xcb_window_t window);
 

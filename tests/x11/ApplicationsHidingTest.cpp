@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "tests/x11/ApplicationsFixture.hpp"
 
 namespace quorvel::test {
@@ -172,6 +174,87 @@ TEST_P(ApplicationsOnWindowManager, AnotherWindowManagerTakesOver) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, ApplicationsOnWindowManager, testing::ValuesIn(allWindowManagers()),
+                         [](const auto& kind) { return nameOf(kind.param); });
+
+class ApplicationsWithShadedWindow : public ApplicationsOnWindowManager {
+protected:
+    bool isShaded(xcb_window_t window) const {
+        const Strings states = probe().netWmState(window);
+        return std::find(states.begin(), states.end(), "_NET_WM_STATE_SHADED") != states.end();
+    }
+    xcb_window_t openShaded(const std::string& className) {
+        const xcb_window_t window = open(className);
+        const XClient& x = client().connection();
+        x.sendToRoot(window, "_NET_WM_STATE", {1, x.atom("_NET_WM_STATE_SHADED"), 0, 2, 0});
+        if (!until([&] { return isShaded(window); })) throw std::runtime_error("is not shaded");
+        return window;
+    }
+    /// Its title bar too.
+    bool isGone(xcb_window_t window) const {
+        const xcb_window_t frame = probe().frameOf(window);
+        const auto area = probe().visibleFrame(window);
+        return !probe().isViewable(frame) || !area || !area->intersects({0, 0, 1280, 800});
+    }
+};
+
+TEST_P(ApplicationsWithShadedWindow, ShadedWindowIsInSight) {
+    const std::string path = installClass("A");
+    openShaded("A");
+    EXPECT_TRUE(never([&] { return applications().isHidden(awaited(path)); }, 200ms));
+}
+
+TEST_P(ApplicationsWithShadedWindow, ShadedWindowIsHiddenAndShown) {
+    const std::string path = installClass("A");
+    const xcb_window_t window = openShaded("A");
+    const auto home = probe().visibleFrame(window);
+    const auto start = std::chrono::steady_clock::now();
+    applications().hide(awaited(path));
+    const bool isIconified = GetParam() != WindowManagerKind::openbox;
+    if (isIconified) {
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 200ms) << "was not noticed";
+        EXPECT_EQ(probe().visibleFrame(window), home) << "was moved as well";
+    }
+    EXPECT_TRUE(applications().isHidden(awaited(path)));
+    EXPECT_TRUE(until([&] { return isGone(window); }));
+    EXPECT_TRUE(never([&] { return !applications().isHidden(awaited(path)); }, 100ms));
+    applications().unhide(awaited(path));
+    EXPECT_TRUE(until([&] { return !isGone(window); }));
+    EXPECT_TRUE(until([&] { return !applications().isHidden(awaited(path)); }));
+    EXPECT_TRUE(until([&] { return probe().visibleFrame(window)->origin() == home->origin(); }));
+}
+
+TEST_P(ApplicationsWithShadedWindow, OtherWindowsAreIconifiedAfterwards) {
+    const std::string shaded = installClass("A");
+    openShaded("A");
+    applications().hide(awaited(shaded));
+    const std::string path = installClass("B");
+    const xcb_window_t window = open("B");
+    applications().hide(awaited(path));
+    EXPECT_TRUE(until([&] { return probe().isIconic(window); }));
+}
+
+/// Openbox does not iconify them on request.
+class ApplicationsWithIconicShadedWindow : public ApplicationsWithShadedWindow {};
+
+TEST_P(ApplicationsWithIconicShadedWindow, UserWhoIconifiesItHidesTheApplication) {
+    const std::string path = installClass("A");
+    const xcb_window_t window = openShaded("A");
+    EXPECT_FALSE(applications().isHidden(awaited(path)));
+    probe().iconify(window);
+    EXPECT_TRUE(until([&] { return applications().isHidden(awaited(path)); }));
+    probe().activate(window);
+    EXPECT_TRUE(until([&] { return !applications().isHidden(awaited(path)); }));
+}
+
+// I3 has no shaded windows.
+INSTANTIATE_TEST_SUITE_P(, ApplicationsWithShadedWindow,
+                         testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                         WindowManagerKind::kwin, WindowManagerKind::marco),
+                         [](const auto& kind) { return nameOf(kind.param); });
+
+INSTANTIATE_TEST_SUITE_P(, ApplicationsWithIconicShadedWindow,
+                         testing::Values(WindowManagerKind::xfwm4, WindowManagerKind::kwin,
+                                         WindowManagerKind::marco),
                          [](const auto& kind) { return nameOf(kind.param); });
 
 class ApplicationsWithoutWindowManager : public ApplicationsFixture, public testing::Test {
