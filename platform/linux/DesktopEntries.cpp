@@ -6,13 +6,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <set>
-#include <system_error>
-#include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 #include "platform/Text.hpp"
 
@@ -29,10 +25,10 @@ std::int64_t modificationTime(const std::string& path) {
     return std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
 }
 
-std::string canonical(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path result = std::filesystem::canonical(path, error);
-    return error ? path : result.string();
+std::optional<std::pair<dev_t, ino_t>> fileIdentity(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return std::pair(status.st_dev, status.st_ino);
 }
 
 }  // namespace
@@ -100,11 +96,14 @@ std::vector<std::string> DesktopEntries::standardFolders() {
 void DesktopEntries::prefer(std::vector<std::string> paths) {
     if (paths == preferred) return;
     preferred = std::move(paths);
+    preferences.clear();
+    for (std::size_t i = 0; i < preferred.size(); ++i) preferences.emplace(preferred[i], i);
     invalidate();
 }
 
 void DesktopEntries::invalidate() {
     isRead = false;
+    preferredPrograms.reset();
     changeHandlers.notify();
 }
 
@@ -181,8 +180,8 @@ const DesktopEntry* DesktopEntries::withId(std::string_view id) const {
 }
 
 std::size_t DesktopEntries::preferenceOf(const DesktopEntry& entry) const {
-    const auto found = std::find(preferred.begin(), preferred.end(), entry.path);
-    return static_cast<std::size_t>(found - preferred.begin());
+    const auto found = preferences.find(entry.path);
+    return found == preferences.end() ? preferred.size() : found->second;
 }
 
 const DesktopEntry* DesktopEntries::best(
@@ -206,17 +205,29 @@ const DesktopEntry* DesktopEntries::best(
 }
 
 bool DesktopEntries::isPreferred(const std::string& path) const {
-    return std::find(preferred.begin(), preferred.end(), path) != preferred.end();
+    return preferences.contains(path);
 }
 
 std::optional<std::string> DesktopEntries::preferredProgram(const std::string& executable) const {
     if (executable.empty() || preferred.empty()) return std::nullopt;
-    const std::string wanted = canonical(executable);
-    for (const std::string& path : preferred) {
-        if (path.ends_with(extension)) continue;
-        if (path == executable || canonical(path) == wanted) return path;
+    if (!executable.ends_with(extension) && isPreferred(executable)) return executable;
+    if (!preferredPrograms) findPreferredPrograms();
+    if (preferredPrograms->empty()) return std::nullopt;
+    const auto identity = fileIdentity(executable);
+    if (!identity) return std::nullopt;
+    const auto found = preferredPrograms->find(*identity);
+    if (found == preferredPrograms->end()) return std::nullopt;
+    return preferred[found->second];
+}
+
+void DesktopEntries::findPreferredPrograms() const {
+    preferredPrograms.emplace();
+    for (std::size_t i = 0; i < preferred.size(); ++i) {
+        if (preferred[i].ends_with(extension)) continue;
+        if (const auto identity = fileIdentity(preferred[i])) {
+            preferredPrograms->emplace(*identity, i);
+        }
     }
-    return std::nullopt;
 }
 
 }  // namespace quorvel::native

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/Subscription.hpp"
@@ -43,7 +48,8 @@ public:
     const DesktopEntry* best(const std::function<bool(const DesktopEntry&)>& isMeant) const;
 
     bool isPreferred(const std::string& path) const;
-    /// The preferred path that leads to this executable; nothing when there is none.
+    /// The preferred path that is this one, else one that leads to the same file, as it was when it
+    /// was preferred or everything was last invalidated; nothing when there is none.
     std::optional<std::string> preferredProgram(const std::string& executable) const;
 
     /// Read everything again when next asked for.
@@ -63,11 +69,17 @@ private:
     };
     struct Scan;
 
+    /// Device and inode.
+    using FileIdentity = std::pair<dev_t, ino_t>;
+
     void read() const;
+    void findPreferredPrograms() const;
     std::size_t preferenceOf(const DesktopEntry& entry) const;
 
     std::vector<std::string> folders;
     std::vector<std::string> preferred;
+    std::unordered_map<std::string, std::size_t> preferences;  ///< the place of each in that list
+    mutable std::optional<std::map<FileIdentity, std::size_t>> preferredPrograms;
     mutable bool isRead = false;
     mutable std::vector<DesktopEntry> entries;
     mutable std::vector<Folder> scanned;

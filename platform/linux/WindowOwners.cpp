@@ -17,12 +17,12 @@ constexpr int longestChain = 8;
 WindowOwners::WindowOwners(ClientWindows& clients, DesktopEntries& entries)
     : clients(clients),
       entries(entries),
-      windowEvents(clients.onWindowChange([this](xcb_window_t, ClientWindows::Change change) {
-          if (change != ClientWindows::Change::identity) return;
-          // Others may be transient for it.
-          paths.clear();
-          changeHandlers.notify();
-      })),
+      windowEvents(
+          clients.onWindowChange([this](xcb_window_t window, ClientWindows::Change change) {
+              if (change != ClientWindows::Change::identity) return;
+              forget(window);
+              changeHandlers.notify();
+          })),
       listEvents(clients.onListChange([this] {
           // An identifier that is used again is another window.
           std::erase_if(paths,
@@ -78,6 +78,23 @@ std::vector<RunningApplication> WindowOwners::running() {
 
 Subscription WindowOwners::onChange(std::function<void()> handler) {
     return changeHandlers.add(std::move(handler));
+}
+
+/// The window, and those that were given its application.
+void WindowOwners::forget(xcb_window_t window) {
+    std::erase_if(paths, [&](const auto& known) {
+        return known.first == window || isTransientFor(known.first, window);
+    });
+}
+
+bool WindowOwners::isTransientFor(xcb_window_t window, xcb_window_t ancestor) {
+    for (int depth = 0; depth < longestChain; ++depth) {
+        const ClientWindow* client = clients.find(window);
+        if (client == nullptr || client->transientFor == XCB_WINDOW_NONE) return false;
+        window = client->transientFor;
+        if (window == ancestor) return true;
+    }
+    return false;
 }
 
 std::optional<std::string> WindowOwners::find(xcb_window_t window, int depth) {

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] Subscription onChange(std::function<void()> handler);
 
 private:
+    void forget(xcb_window_t window);
+    bool isTransientFor(xcb_window_t window, xcb_window_t ancestor);
     std::optional<std::string> find(xcb_window_t window, int depth);
     std::optional<std::string> match(xcb_window_t window, int depth);
 

@@ -174,6 +174,38 @@ TEST_F(DesktopEntriesTest, PreferredProgramIsFoundThroughLinks) {
     EXPECT_FALSE(entries.preferredProgram(""));
 }
 
+TEST_F(DesktopEntriesTest, PreferredProgramIsOneFileByWhateverName) {
+    const std::string program = folder.write("bin/foo", "").string();
+    const std::string twin = (folder / "bin/twin").string();
+    std::filesystem::create_hard_link(program, twin);
+    entries.prefer({program});
+    EXPECT_EQ(entries.preferredProgram(twin), program);
+    // The very name says more than the same file.
+    entries.prefer({program, twin});
+    EXPECT_EQ(entries.preferredProgram(twin), twin);
+    EXPECT_EQ(entries.preferredProgram(program), program);
+}
+
+TEST_F(DesktopEntriesTest, PreferredProgramThatIsNotThereIsKnownByItsPath) {
+    entries.prefer({"/opt/absent/foo", "/opt/absent/bar"});
+    EXPECT_EQ(entries.preferredProgram("/opt/absent/bar"), "/opt/absent/bar");
+    EXPECT_FALSE(entries.preferredProgram("/opt/absent/other"));
+}
+
+TEST_F(DesktopEntriesTest, PreferredProgramMayBeReplaced) {
+    const std::string link = (folder / "foo").string();
+    const std::string first = folder.write("opt/1/foo", "1").string();
+    const std::string second = folder.write("opt/2/foo", "2").string();
+    std::filesystem::create_symlink(first, link);
+    entries.prefer({link});
+    EXPECT_EQ(entries.preferredProgram(first), link);
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink(second, link);
+    entries.invalidate();
+    EXPECT_EQ(entries.preferredProgram(second), link);
+    EXPECT_FALSE(entries.preferredProgram(first));
+}
+
 TEST_F(DesktopEntriesTest, BestIsPreferredThenShownThenFirst) {
     const auto any = [](const DesktopEntry&) { return true; };
     const std::string program = folder.write("bin/foo", "").string();
