@@ -1,6 +1,7 @@
 #include "platform/simulated/SimulatedWindows.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace quorvel {
@@ -71,8 +72,7 @@ FrameReading SimulatedWindows::readFrame(AXWindow window) {
 std::int32_t SimulatedWindows::setOrigin(AXWindow window, Point originAX, MoveStep step) {
     moves.push_back({window, originAX, step});
     SimulatedWindow* found = reach(window);
-    if (!found) return server.find(window.element) ? refused : badWindow;
-    if (!trust.isTrusted()) return refused;
+    if (!found || !trust.isTrusted()) return refused;
     if (found->faults.moveError != 0) return found->faults.moveError;
     if (found->faults.ignoresMoves || found->isMaximized) {
         return step == MoveStep::intermediate ? 0 : refused;

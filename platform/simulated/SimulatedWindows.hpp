@@ -13,8 +13,7 @@ namespace quorvel {
 class SimulatedWindows final : public WindowAccess {
 public:
     static constexpr RunLoop::Duration timeout = std::chrono::milliseconds(250);
-    /// The error of a call on a window that is gone.
-    static constexpr std::int32_t badWindow = 3;
+    /// Also by a window that is gone.
     static constexpr std::int32_t refused = -1;
 
     SimulatedWindows(SimulatedWindowServer& server, const SimulatedApplications& applications,

@@ -108,7 +108,7 @@ TEST_F(AXWindowsTest, ARefusedMoveIsLoggedWithItsCode) {
 
 TEST_F(AXWindowsTest, AServerErrorIsLoggedWithItsCode) {
     const AXWindow window = desktop.start(editor);
-    desktop.server.close(window.element);
+    desktop.server.window(window.element).faults.moveError = 3;
     EXPECT_FALSE(windows.setOriginAX({0, 0}, window));
     EXPECT_EQ(desktop.log.lines, (std::vector<std::string>{"Quorvel: AX move failed (3)"}));
 }

@@ -109,7 +109,7 @@ TEST_F(SimulatedWindowsTest, AWindowVanishesAfterItsLastCall) {
     EXPECT_TRUE(desktop.windows.readFrame(window).size);
     EXPECT_EQ(desktop.windows.setOrigin(window, {0, 0}, MoveStep::final), 0);
     EXPECT_FALSE(desktop.windows.readFrame(window).size);
-    EXPECT_EQ(desktop.windows.setOrigin(window, {0, 0}, MoveStep::final), 3);
+    EXPECT_EQ(desktop.windows.setOrigin(window, {0, 0}, MoveStep::final), -1);
     EXPECT_TRUE(desktop.applications.runningApplications().empty());
 }
 

@@ -165,7 +165,7 @@ TEST_F(TuckAnimatorTest, AWindowThatClosesEndsTheSlideWithFalseAtTheFirstFailedW
     EXPECT_EQ(desktop.windows.moves.size(), 1u);
     EXPECT_FALSE(animator->isMoving(window));
     EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
-    EXPECT_EQ(desktop.log.lines, (std::vector<std::string>{"Quorvel: AX move failed (3)"}));
+    EXPECT_EQ(desktop.log.lines, (std::vector<std::string>{"Quorvel: AX move failed (-1)"}));
 }
 
 TEST_F(TuckAnimatorTest, AWindowThatRefusesTheLastStepCompletesWithFalse) {

@@ -88,7 +88,7 @@ TEST_F(TuckControllerSlideTest, AWindowThatClosesHalfwayEndsTheSlideWithOneLine)
     taken();
     desktop.server.close(window.element);
     desktop.advance(1s);
-    EXPECT_EQ(taken(), (Lines{"Quorvel: AX move failed (3)"}));
+    EXPECT_EQ(taken(), (Lines{"Quorvel: AX move failed (-1)"}));
     EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
 }
 
@@ -192,7 +192,7 @@ TEST_P(TuckControllerVanishTest, AWindowMayVanishBetweenAnyTwoCalls) {
     EXPECT_EQ(desktop.runLoop.timerCount(), 0u);
     EXPECT_EQ(desktop.runLoop.pendingWorkCount(), 0u);
     for (const std::string& line : desktop.log.lines) {
-        EXPECT_TRUE(line == "Quorvel: AX move failed (3)" || line == "Quorvel: untucked window" ||
+        EXPECT_TRUE(line == "Quorvel: AX move failed (-1)" || line == "Quorvel: untucked window" ||
                     line == "Quorvel: tucked " + editor + " window to left" ||
                     line == "Quorvel: auto-tucked " + editor + " window to left" ||
                     line == "Quorvel: tuck requested but " + editor + " is not running." ||
