@@ -1,6 +1,8 @@
 #include "platform/linux/MoveLadder.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "platform/linux/DisplayGeometry.hpp"
 #include "platform/linux/MoveRequests.hpp"
