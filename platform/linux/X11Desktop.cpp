@@ -20,7 +20,7 @@ X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, Log& log, Posi
       entries(DesktopEntries::standardFolders()),
       catalog(entries),
       applications(x, runLoop, manager, elements, entries),
-      windows(x, elements, manager, applications, [this] { return displaysInRoot(); }),
+      windows(x, elements, manager, applications, [this] { return screens.framesInRoot(); }),
       pollTimers(x, runLoop, pointer, screens, windows),
       trust(x, X11Trust::isWaylandSession(), std::move(prompt)) {}
 
@@ -45,18 +45,6 @@ void X11Desktop::bringToFront(std::uint64_t identifier) const {
         xcb_discard_reply(x.xcb(), cookie.sequence);
     }
     x.flush();
-}
-
-std::vector<Rect> X11Desktop::displaysInRoot() const {
-    const Point origin = screens.axOriginInRoot();
-    std::vector<Rect> result;
-    for (const Screen& screen : screens.screens()) {
-        Rect rect = flipped(screen.frameCocoa, screens.primaryScreenMaxY());
-        rect.x += origin.x;
-        rect.y += origin.y;
-        result.push_back(rect);
-    }
-    return result;
 }
 
 }  // namespace quorvel::native

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "platform/Desktop.hpp"
 #include "platform/linux/DesktopEntries.hpp"
@@ -39,9 +38,6 @@ public:
     void bringToFront(std::uint64_t identifier) const;
 
 private:
-    /// Of the attached displays, the primary one first, in root coordinates.
-    std::vector<Rect> displaysInRoot() const;
-
     XConnection& x;
     Log& log;
     PosixFiles& files;

@@ -5,21 +5,10 @@
 #include <map>
 #include <stdexcept>
 
-#include "platform/linux/DesktopEntries.hpp"
-#include "platform/linux/GlibRunLoop.hpp"
-#include "platform/linux/JsonDefaults.hpp"
 #include "platform/linux/PosixFiles.hpp"
 #include "platform/linux/StandardErrorLog.hpp"
-#include "platform/linux/WindowManagerInfo.hpp"
-#include "platform/linux/X11Applications.hpp"
-#include "platform/linux/X11HotKeys.hpp"
-#include "platform/linux/X11Pointer.hpp"
-#include "platform/linux/X11PollTimers.hpp"
-#include "platform/linux/X11Screens.hpp"
-#include "platform/linux/X11Trust.hpp"
-#include "platform/linux/X11WindowAccess.hpp"
+#include "platform/linux/X11Desktop.hpp"
 #include "platform/linux/XConnection.hpp"
-#include "platform/linux/XdgApplicationCatalog.hpp"
 #include "platform/linux/XdgFolders.hpp"
 #include "platform/linux/XdgLoginItem.hpp"
 #include "tests/contract/Rig.hpp"
@@ -43,51 +32,26 @@ public:
         : connection(connect(displayName)),
           folders(native::XdgFolders::fromEnvironment(files.homeDirectory())) {}
 
-    Desktop desktop() {
-        return {runLoop, log,          defaults, files,   screens, pointer,  pollTimers,
-                hotKeys, applications, catalog,  windows, trust,   loginItem};
-    }
+    Desktop desktop() { return native.desktop(); }
 
     int trustPrompts = 0;
     std::function<void()> closeTrustPrompt;
 
 private:
-    std::vector<Rect> displaysInRoot() const {
-        std::vector<Rect> result;
-        const Point origin = screens.axOriginInRoot();
-        for (const Screen& screen : screens.screens()) {
-            Rect rect = flipped(screen.frameCocoa, screens.primaryScreenMaxY());
-            rect.x += origin.x;
-            rect.y += origin.y;
-            result.push_back(rect);
-        }
-        return result;
-    }
-
-    native::GlibRunLoop runLoop;
     std::unique_ptr<native::XConnection> connection;
-    Subscription events = runLoop.attach(*connection);
     native::StandardErrorLog log;
     native::PosixFiles files;
     native::XdgFolders folders;
-    native::JsonDefaults defaults{"com.tessivane.quorvel", folders, log};
-    native::WindowElements elements{*connection};
-    native::WindowManagerInfo manager{*connection};
-    native::X11Screens screens{*connection, runLoop};
-    native::X11Pointer pointer{*connection, screens};
-    native::X11HotKeys hotKeys{*connection, runLoop, log};
-    native::DesktopEntries entries{native::DesktopEntries::standardFolders()};
-    native::XdgApplicationCatalog catalog{entries};
-    native::X11Applications applications{*connection, runLoop, manager, elements, entries};
-    native::X11WindowAccess windows{*connection, elements, manager, applications,
-                                    [this] { return displaysInRoot(); }};
-    native::X11PollTimers pollTimers{*connection, runLoop, pointer, screens, windows};
-    native::X11Trust trust{*connection, false,
-                           [this](const std::string&, std::function<void()> closed) {
-                               ++trustPrompts;
-                               closeTrustPrompt = std::move(closed);
-                           }};
     native::XdgLoginItem loginItem{folders, "/usr/bin/Quorvel"};
+    native::X11Desktop native{*connection,
+                              folders,
+                              log,
+                              files,
+                              loginItem,
+                              [this](const std::string&, std::function<void()> closed) {
+                                  ++trustPrompts;
+                                  closeTrustPrompt = std::move(closed);
+                              }};
 };
 
 class X11Rig final : public Rig {

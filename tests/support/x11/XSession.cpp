@@ -58,6 +58,7 @@ XSession::XSession(XSessionOptions options) : variables(baseEnvironment(scratch)
 
     unsetenv("XDG_CURRENT_DESKTOP");
     unsetenv("WAYLAND_DISPLAY");
+    unsetenv("XDG_SESSION_TYPE");
     for (const auto& [name, value] : variables) {
         // Otherwise the test process would end itself below.
         if (name != marker) setenv(name.c_str(), value.c_str(), 1);
