@@ -25,6 +25,9 @@ public:
     /// came, the timer rests until it comes, and goes on then. A pointer that is set to another
     /// place by a program, rather than moved by its user, may go unnoticed for five seconds.
     ///
+    /// Between a change of the displays and its announcement no poll is made: a window manager that
+    /// moves windows on account of the change comes before those who must answer to it.
+    ///
     /// All that one poll reads of the pointer and of the frames of held windows is a single
     /// observation of the desktop, however many windows there are.
     [[nodiscard]] virtual Subscription polling(RunLoop::Duration interval,

@@ -37,8 +37,12 @@ void RestingPollTimers::startClock(const Timers& members) {
 }
 
 void RestingPollTimers::poll(Timers due) {
-    const PointerState seen = beginObservation();
-    const bool hasMoved = lastSeen && *lastSeen != seen;
+    const std::optional<PointerState> seen = beginObservation();
+    if (!seen) {
+        endObservation();
+        return;
+    }
+    const bool hasMoved = lastSeen && *lastSeen != *seen;
     lastSeen = seen;
     for (const auto& timer : due) {
         if (timer->hasEnded) continue;

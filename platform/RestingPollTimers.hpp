@@ -31,8 +31,8 @@ protected:
     explicit RestingPollTimers(RunLoop& runLoop) : runLoop(runLoop) {}
 
     /// Looks at the pointer and at the held windows; until `endObservation` those who read them
-    /// get what was seen now.
-    virtual PointerState beginObservation() = 0;
+    /// get what was seen now. Nothing while the displays are settling: then there is no poll.
+    virtual std::optional<PointerState> beginObservation() = 0;
     virtual void endObservation() = 0;
 
     /// From now on, or no longer, to tell of motion and buttons by `somethingMoved`. False where

@@ -23,6 +23,7 @@ X11PollTimers::X11PollTimers(XConnection& x, RunLoop& runLoop, X11Pointer& point
     : RestingPollTimers(runLoop),
       x(x),
       pointer(pointer),
+      screens(screens),
       windows(windows),
       inputOpcode(opcodeOfInput(x)),
       rawInput(x.onEvent([this](const xcb_generic_event_t& event) {
@@ -34,12 +35,13 @@ X11PollTimers::X11PollTimers(XConnection& x, RunLoop& runLoop, X11Pointer& point
       holds(windows.onHold([this] { heldWindowsChanged(); })),
       displays(screens.onChange([this] { heldWindowsChanged(); })) {}
 
-PointerState X11PollTimers::beginObservation() {
+std::optional<PointerState> X11PollTimers::beginObservation() {
     windows.askForHeldFrames();
     const PointerState seen = pointer.observe();
     windows.takeHeldFrames();
     // What the server told before it answered.
     x.readPending();
+    if (screens.areSettling()) return std::nullopt;
     return seen;
 }
 

@@ -19,12 +19,13 @@ public:
                   X11WindowAccess& windows);
 
 private:
-    PointerState beginObservation() override;
+    std::optional<PointerState> beginObservation() override;
     void endObservation() override;
     bool listenToPointer(bool listens) override;
 
     XConnection& x;
     X11Pointer& pointer;
+    X11Screens& screens;
     X11WindowAccess& windows;
     std::uint8_t inputOpcode = 0;  ///< 0 where the extension is missing or too old
     bool isListening = false;

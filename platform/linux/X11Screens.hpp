@@ -22,6 +22,9 @@ public:
     std::vector<Screen> screens() const override;
     Subscription onChange(std::function<void()> handler) override;
 
+    /// Whether a change is still to be announced, or found to be none.
+    bool areSettling() const { return isSettling; }
+
     /// Where AX space begins, in root coordinates: AX = root − this. While no screen is attached
     /// both conversions stay as they were.
     Point axOriginInRoot() const;

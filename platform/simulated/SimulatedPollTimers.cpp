@@ -6,6 +6,7 @@ SimulatedPollTimers::SimulatedPollTimers(RunLoop& runLoop, SimulatedPointer& poi
                                          SimulatedWindows& windows, SimulatedScreens& screens)
     : RestingPollTimers(runLoop),
       pointer(pointer),
+      screens(screens),
       pointerMoves(pointer.onInput([this] {
           if (listens) somethingMoved();
       })),
@@ -13,8 +14,9 @@ SimulatedPollTimers::SimulatedPollTimers(RunLoop& runLoop, SimulatedPointer& poi
       holds(windows.onHold([this] { heldWindowsChanged(); })),
       displays(screens.onChange([this] { heldWindowsChanged(); })) {}
 
-PointerState SimulatedPollTimers::beginObservation() {
+std::optional<PointerState> SimulatedPollTimers::beginObservation() {
     ++observationCount;
+    if (screens.areSettling()) return std::nullopt;
     return pointer.state();
 }
 

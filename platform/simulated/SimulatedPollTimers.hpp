@@ -21,11 +21,12 @@ public:
     bool isListeningToPointer() const { return listens; }
 
 private:
-    PointerState beginObservation() override;
+    std::optional<PointerState> beginObservation() override;
     void endObservation() override {}
     bool listenToPointer(bool listens) override;
 
     SimulatedPointer& pointer;
+    SimulatedScreens& screens;
     bool listens = false;
     Subscription pointerMoves;
     Subscription heldWindowMoves;

@@ -10,9 +10,9 @@ SimulatedScreens::SimulatedScreens(RunLoop& runLoop)
 
 void SimulatedScreens::arrange(std::vector<Screen> arrangement) {
     attached = std::move(arrangement);
-    ++arrangements;
-    runLoop.after(settlingTime, [this, arrangement = arrangements] {
-        if (arrangement == arrangements) report();
+    ++unsettled;
+    runLoop.after(settlingTime, [this] {
+        if (--unsettled == 0) report();
     });
 }
 

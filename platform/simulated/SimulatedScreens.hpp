@@ -17,6 +17,9 @@ public:
     /// and only if it differs from the one reported last. An empty list unplugs everything.
     void arrange(std::vector<Screen> arrangement);
 
+    /// Whether a change is still to be reported, or found to be none.
+    bool areSettling() const { return unsettled > 0; }
+
     /// A display with all that can be named, made from its frame.
     static Screen screen(std::uint32_t number, const Rect& frameCocoa, bool isBuiltin = false);
 
@@ -32,7 +35,7 @@ private:
     RunLoop& runLoop;
     std::vector<Screen> attached;
     std::vector<Screen> reported;
-    std::uint64_t arrangements = 0;
+    int unsettled = 0;  ///< changes whose settling time has not passed
     Subscribers<> handlers;
 };
 

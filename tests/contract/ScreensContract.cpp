@@ -129,6 +129,24 @@ TEST_P(ScreensContract, NothingIsReportedAfterTheSubscription) {
     EXPECT_TRUE(rig->never([&] { return reports > 0; }));
 }
 
+TEST_P(ScreensContract, NoPollComesBetweenAChangeAndItsReport) {
+    const std::vector<Rect> before = framesCocoa();
+    bool isReported = false;
+    int polls = 0;
+    int early = 0;
+    const Subscription changes = desktop.screens.onChange([&] { isReported = true; });
+    const Subscription timer = desktop.pollTimers.polling(5ms, 0ms, [&] {
+        ++polls;
+        if (!isReported && framesCocoa() != before) ++early;
+        return PollAgain::afterInterval;
+    });
+    rig->arrange({{0, 0, 1280, 800}, {1280, 0, 1280, 800}});
+    ASSERT_TRUE(rig->until([&] { return isReported; }));
+    const int atReport = polls;
+    EXPECT_TRUE(rig->until([&] { return polls > atReport; }));
+    EXPECT_EQ(early, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(, ScreensContract, testing::Values(simulatedRig(), hotPlugRig()), rigName);
 
 }  // namespace

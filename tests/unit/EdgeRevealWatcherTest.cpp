@@ -253,5 +253,18 @@ TEST_F(EdgeRevealWatcherTest, AfterARestOfThePollsEverythingWorksAsBefore) {
     EXPECT_FALSE(isRevealed());
 }
 
+TEST_F(EdgeRevealWatcherTest, AWindowThatIsMovedWhileItsDisplayChangesComesHome) {
+    desktop.screens.arrange({SimulatedScreens::screen(1, {0, 0, 1280, 800}, true)});
+    // As window managers do that keep the place of a window in proportion.
+    desktop.server.drag(window.element, {-700, 130});
+    desktop.advance(1s);
+    EXPECT_THAT(
+        taken(),
+        ElementsAre("Quorvel: displays changed — restoring 1 tucked window(s) whose display "
+                    "is gone or resized",
+                    "Quorvel: untucked window"));
+    EXPECT_EQ(frame(window).origin(), home.origin());
+}
+
 }  // namespace
 }  // namespace quorvel

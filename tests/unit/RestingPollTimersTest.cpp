@@ -52,6 +52,17 @@ TEST_F(RestingPollTimersTest, StillPointerLetsItRest) {
     EXPECT_EQ(polls, enough);
 }
 
+TEST_F(RestingPollTimersTest, DisplaysThatSettleAreWaitedFor) {
+    again = PollAgain::afterInterval;
+    const Subscription timer = waitingFor(again, polls);
+    desktop.advance(50ms);
+    desktop.screens.arrange({SimulatedScreens::screen(1, {0, 0, 800, 600})});
+    desktop.advance(99ms);
+    EXPECT_EQ(polls, 0);
+    desktop.advance(interval);
+    EXPECT_EQ(polls, 1);
+}
+
 TEST_F(RestingPollTimersTest, AtRestOnlyOneLookInFiveSecondsRemains) {
     int others = 0;
     const Subscription timer = waitingFor(again, polls);
