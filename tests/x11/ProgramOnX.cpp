@@ -61,7 +61,8 @@ void ProgramOnX::bind(const std::vector<Binding>& bindings, std::string_view ani
                  ", \"autoTuck\": " + jsonText(binding.autoTuck) + "}";
         placed += (placed.empty() ? "" : ", ") + ("{\"appPath\": " + jsonText(binding.appPath)) +
                   ", \"display\": " + jsonText(display) +
-                  ", \"corner\": \"none\", \"tuckEdge\": " + jsonText(binding.edge) + "}";
+                  ", \"corner\": " + jsonText(binding.corner) +
+                  ", \"tuckEdge\": " + jsonText(binding.edge) + "}";
     }
     writeSettings("{\"AppBindings\": [" + bound + "],\n\"Placements\": [" + placed +
                   "],\n\"TuckAnimation\": " + jsonText(animation) +

@@ -19,8 +19,9 @@ public:
     struct Binding {
         std::string appPath;
         std::string hotKey;
-        std::string edge = "none";  ///< on the one display there is
+        std::string edge = "none";  ///< on the primary display
         std::string autoTuck = "false";
+        std::string corner = "none";  ///< of the primary display
     };
 
     explicit ProgramOnX(XSessionOptions options = {});

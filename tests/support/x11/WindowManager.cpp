@@ -1,5 +1,6 @@
 #include "tests/support/x11/WindowManager.hpp"
 
+#include <filesystem>
 #include <ostream>
 #include <stdexcept>
 
@@ -94,6 +95,47 @@ move-to-workspace-up='disabled'
 move-to-workspace-down='disabled'
 )";
 
+constexpr std::string_view awesomeConfiguration = R"(
+local gears = require("gears")
+local awful = require("awful")
+require("awful.autofocus")
+require("beautiful").init(gears.filesystem.get_themes_dir() .. "default/theme.lua")
+awful.layout.layouts = { awful.layout.suit.floating }
+awful.screen.connect_for_each_screen(function(s)
+    awful.tag({ "1", "2" }, s, awful.layout.suit.floating)
+end)
+awful.rules.rules = { { rule = {}, properties = {
+    focus = awful.client.focus.filter, raise = true, screen = awful.screen.preferred } } }
+)";
+
+constexpr std::string_view icewmPreferences = R"(ShowTaskBar=0
+ShowPopupsAbovePointer=0
+SmartPlacement=1
+EdgeSwitch=0
+WorkspaceNames=" 1 ", " 2 "
+)";
+
+constexpr std::string_view fluxboxInit = R"(session.screen0.workspaces: 2
+session.screen0.toolbar.visible: false
+session.screen0.tabs.intitlebar: true
+session.screen0.edgeSnapThreshold: 0
+)";
+
+constexpr std::string_view jwmConfiguration = R"(<?xml version="1.0"?>
+<JWM>
+ <Desktops width="2" height="1"/>
+ <FocusModel>click</FocusModel>
+ <SnapMode distance="0">none</SnapMode>
+</JWM>
+)";
+
+constexpr std::string_view bspwmConfiguration = R"(#!/bin/sh
+bspc monitor -d 1 2
+bspc config focus_follows_pointer false
+bspc config border_width 2
+bspc rule -a '*' state=floating
+)";
+
 struct Recipe {
     std::vector<std::string> arguments;
     Environment environment;
@@ -123,6 +165,33 @@ Recipe prepare(WindowManagerKind kind, const ScratchFolder& folder) {
             folder.write("config/glib-2.0/settings/keyfile", marcoSettings);
             return {{"marco", "--no-composite", "--sm-disable"},
                     {{"GSETTINGS_BACKEND", "keyfile"}}};
+        case WindowManagerKind::metacity:
+            return {{"metacity", "--no-composite", "--sm-disable"}, {}};
+        case WindowManagerKind::mutter:
+            return {{"mutter", "--x11", "--sm-disable"}, {}};
+        case WindowManagerKind::awesome: {
+            const auto file = folder.write("awesome.lua", awesomeConfiguration);
+            return {{"awesome", "--config", file.string()}, {}};
+        }
+        case WindowManagerKind::icewm: {
+            const auto file = folder.write("icewm/preferences", icewmPreferences);
+            folder.write("icewm/keys", "");
+            return {{"icewm"}, {{"ICEWM_PRIVCFG", file.parent_path().string()}}};
+        }
+        case WindowManagerKind::fluxbox: {
+            const auto file = folder.write("fluxbox/init", fluxboxInit);
+            folder.write("fluxbox/keys", "");
+            return {{"fluxbox", "-no-toolbar", "-no-slit", "-rc", file.string()}, {}};
+        }
+        case WindowManagerKind::jwm: {
+            const auto file = folder.write("jwm.xml", jwmConfiguration);
+            return {{"jwm", "-f", file.string()}, {}};
+        }
+        case WindowManagerKind::bspwm: {
+            const auto file = folder.write("bspwmrc", bspwmConfiguration);
+            std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+            return {{"bspwm", "-c", file.string()}, {}};
+        }
     }
     throw std::invalid_argument("no such window manager");
 }
@@ -142,6 +211,15 @@ const std::vector<WindowManagerKind>& allWindowManagers() {
     return all;
 }
 
+const std::vector<WindowManagerKind>& everyWindowManager() {
+    static const std::vector<WindowManagerKind> all{
+        WindowManagerKind::openbox, WindowManagerKind::xfwm4,   WindowManagerKind::metacity,
+        WindowManagerKind::marco,   WindowManagerKind::mutter,  WindowManagerKind::kwin,
+        WindowManagerKind::i3,      WindowManagerKind::awesome, WindowManagerKind::icewm,
+        WindowManagerKind::fluxbox, WindowManagerKind::jwm,     WindowManagerKind::bspwm};
+    return all;
+}
+
 std::string nameOf(WindowManagerKind kind) {
     switch (kind) {
         case WindowManagerKind::openbox:
@@ -154,6 +232,20 @@ std::string nameOf(WindowManagerKind kind) {
             return "i3";
         case WindowManagerKind::marco:
             return "marco";
+        case WindowManagerKind::metacity:
+            return "metacity";
+        case WindowManagerKind::mutter:
+            return "mutter";
+        case WindowManagerKind::awesome:
+            return "awesome";
+        case WindowManagerKind::icewm:
+            return "icewm";
+        case WindowManagerKind::fluxbox:
+            return "fluxbox";
+        case WindowManagerKind::jwm:
+            return "jwm";
+        case WindowManagerKind::bspwm:
+            return "bspwm";
     }
     return "";
 }

@@ -11,14 +11,31 @@
 
 namespace quorvel::test {
 
-enum class WindowManagerKind { openbox, xfwm4, kwin, i3, marco };
+enum class WindowManagerKind {
+    openbox,
+    xfwm4,
+    kwin,
+    i3,
+    marco,
+    metacity,
+    mutter,
+    awesome,
+    icewm,
+    fluxbox,
+    jwm,
+    bspwm,
+};
 
+/// The five that every test run uses: one of each kind there is.
 const std::vector<WindowManagerKind>& allWindowManagers();
+/// All that are known here.
+const std::vector<WindowManagerKind>& everyWindowManager();
 std::string nameOf(WindowManagerKind kind);
 /// How GoogleTest shows it.
 void PrintTo(WindowManagerKind kind, std::ostream* out);
 
-/// A real window manager without key bindings and without compositor, ready when the constructor
+/// A real window manager without key bindings, without compositor (Mutter has one always), and
+/// with floating windows; ready when the constructor
 /// returns. Throws when it does not start.
 class WindowManager {
 public:
