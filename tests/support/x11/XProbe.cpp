@@ -3,7 +3,9 @@
 #include <xcb/shape.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 
 #include "tests/support/x11/ChildProcess.hpp"
@@ -246,8 +248,27 @@ void XProbe::screenshot(const std::filesystem::path& file) const {
               {}});
 }
 
+xcb_timestamp_t XProbe::serverTime() const {
+    const XClient clock(displayName);
+    const xcb_window_t window = xcb_generate_id(clock.xcb());
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(clock.xcb(), 0, window, clock.root(), -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &mask);
+    clock.setPropertyText(window, "WM_NAME", "STRING", "");
+    xcb_flush(clock.xcb());
+    std::unique_ptr<xcb_generic_event_t, decltype(&std::free)> event(
+        xcb_wait_for_event(clock.xcb()), &std::free);
+    while (event && (event->response_type & 0x7F) != XCB_PROPERTY_NOTIFY) {
+        event.reset(xcb_wait_for_event(clock.xcb()));
+    }
+    if (!event) throw std::runtime_error("the X server has gone away");
+    return reinterpret_cast<const xcb_property_notify_event_t&>(*event).time;
+}
+
+/// With the time of now: without one it would count as asked for when it is read, after whatever
+/// the user does meanwhile.
 void XProbe::activate(xcb_window_t window) const {
-    client.sendToRoot(window, "_NET_ACTIVE_WINDOW", {2, 0, 0, 0, 0});
+    client.sendToRoot(window, "_NET_ACTIVE_WINDOW", {2, serverTime(), 0, 0, 0});
 }
 
 void XProbe::iconify(xcb_window_t window) const {

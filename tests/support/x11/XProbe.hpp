@@ -67,6 +67,7 @@ public:
     void requestMove(xcb_window_t window, int x, int y) const;
 
 private:
+    xcb_timestamp_t serverTime() const;
     template <class Predicate>
     std::optional<Rect> boundsWhere(Predicate&& counts) const;
 
