@@ -10,7 +10,7 @@ JOBS ?= $(shell nproc)
 TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
 CTEST := --output-on-failure --no-tests=error --progress
 
-.PHONY: run test deps build install bench check format clean tour
+.PHONY: run test deps build install bench matrix check format clean tour
 
 # Builds and starts the program on this desktop; where there is none, on a private one of its own,
 # where it walks through what the program does.
@@ -65,6 +65,15 @@ bench:
 	@cmake --preset release -DQUORVEL_BENCHMARKS=ON >/dev/null
 	@cmake --build $(RELEASE) --target Quorvel quorvel-bench quorvel-bench-floor -j $(JOBS)
 	@scripts/bench
+
+# What works on which window manager: tries it all and writes the table of the documentation.
+matrix:
+	@scripts/install-packages build run desktop test matrix
+	@cmake --preset release -DQUORVEL_TESTS=ON >/dev/null
+	@cmake --build $(RELEASE) --target quorvel-matrix -j $(JOBS)
+	@$(RELEASE)/quorvel-matrix > build/window-managers.md
+	@mv build/window-managers.md docs/window-managers.md
+	@cat docs/window-managers.md
 
 clean:
 	@rm -rf build

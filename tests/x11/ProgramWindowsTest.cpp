@@ -48,8 +48,11 @@ protected:
         EXPECT_TRUE(neverWithin(300ms, [&] { return program.seen(window).maxX() != 2; }));
 
         program.press(program.shortcut);
-        EXPECT_TRUE(program.waitForFrame(window, filling));
-        EXPECT_TRUE(waitUntil([&] { return hasState(window, states); }));
+        // It passes through its normal size, which is to be beneath the state.
+        const auto fills = [&] {
+            return hasState(window, states) && program.seen(window) == filling;
+        };
+        EXPECT_TRUE(waitUntil(fills));
         EXPECT_TRUE(program.staysAt(window, filling));
         EXPECT_THAT(program.linesSinceReady(),
                     ElementsAre("Quorvel: tucked " + program.path + " window to left",
@@ -59,8 +62,8 @@ protected:
         program.press(program.shortcut);
         EXPECT_TRUE(waitUntil([&] { return program.seen(window).maxX() == 2; }));
         EXPECT_EQ(program.terminate(), 0);
-        EXPECT_TRUE(program.waitForFrame(window, filling));
-        EXPECT_TRUE(waitUntil([&] { return hasState(window, states); }));
+        EXPECT_TRUE(waitUntil(fills));
+        EXPECT_TRUE(program.staysAt(window, filling));
     }
 };
 

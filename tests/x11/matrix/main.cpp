@@ -49,8 +49,12 @@ std::string outcome(const std::string& self, const Cell& cell) {
     return text;
 }
 
-void printTable(const std::vector<WindowManagerKind>& kinds, const std::vector<Cell>& cells) {
-    std::cout << "| window manager |";
+void printPage(const std::vector<WindowManagerKind>& kinds, const std::vector<Cell>& cells) {
+    std::cout << "# What works on which window manager\n\n"
+                 "Made by `make matrix`, which starts each of them on a private X server and tries "
+                 "each\nbehaviour with real programs and real input. A \"yes\" is what was seen "
+                 "on the screen,\nto the pixel where a place is exact.\n\n"
+                 "| window manager |";
     for (const Behaviour& behaviour : allBehaviours()) std::cout << " " << behaviour.name << " |";
     std::cout << "\n|---|";
     for (std::size_t i = 0; i < allBehaviours().size(); ++i) std::cout << "---|";
@@ -104,6 +108,6 @@ int main(int argumentCount, char** arguments) {
         workers.emplace_back(work);
     }
     workers.clear();
-    printTable(kinds, cells);
+    printPage(kinds, cells);
     return 0;
 }
