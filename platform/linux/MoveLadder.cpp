@@ -192,7 +192,11 @@ MoveResult MoveLadder::askManager(const WindowReading& now, Point target,
     const bool wasAnswered = landed->seen.origin() != start;
     if (!wasAnswered && !memory.believed && !traits.neverRefuses) {
         // Kept by a border it stands at, or not to be moved at all, as a tile is.
-        if (!movesAtAll(*landed, displays, deadline)) return {MoveOutcome::refused};
+        if (!movesAtAll(*landed, displays, deadline)) {
+            // One on a hidden workspace may be moved when that is shown; not to the probe's place.
+            send(methods().front(), now, plus(target, correctionFor(now, memory)));
+            return {MoveOutcome::refused};
+        }
         landed = frames.read(now.client);
         if (!landed) return {MoveOutcome::vanished};
     }

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -43,24 +44,31 @@ std::string ProgramOnX::contentOf(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-std::string ProgramOnX::displayIdentifier() const {
+std::vector<std::string> ProgramOnX::displayIdentifiers() const {
     std::string reason;
     const auto x = native::XConnection::open(session.displayName(), reason);
     if (!x) throw std::runtime_error(reason);
     native::GlibRunLoop loop;
-    return native::X11Screens(*x, loop).screens().at(0).uuid.value();
+    std::vector<std::string> identifiers;
+    for (const Screen& screen : native::X11Screens(*x, loop).screens()) {
+        identifiers.push_back(screen.uuid.value());
+    }
+    return identifiers;
 }
 
 void ProgramOnX::bind(const std::vector<Binding>& bindings, std::string_view animation) {
-    const std::string display = displayIdentifier();
+    const std::vector<std::string> displays = displayIdentifiers();
+    std::set<std::string> paths;
     std::string bound;
     std::string placed;
     for (const Binding& binding : bindings) {
-        bound += (bound.empty() ? "" : ", ") + ("{\"appPath\": " + jsonText(binding.appPath)) +
-                 ", \"hotKey\": " + jsonText(binding.hotKey) +
-                 ", \"autoTuck\": " + jsonText(binding.autoTuck) + "}";
+        if (paths.insert(binding.appPath).second) {
+            bound += (bound.empty() ? "" : ", ") + ("{\"appPath\": " + jsonText(binding.appPath)) +
+                     ", \"hotKey\": " + jsonText(binding.hotKey) +
+                     ", \"autoTuck\": " + jsonText(binding.autoTuck) + "}";
+        }
         placed += (placed.empty() ? "" : ", ") + ("{\"appPath\": " + jsonText(binding.appPath)) +
-                  ", \"display\": " + jsonText(display) +
+                  ", \"display\": " + jsonText(displays.at(binding.display)) +
                   ", \"corner\": " + jsonText(binding.corner) +
                   ", \"tuckEdge\": " + jsonText(binding.edge) + "}";
     }

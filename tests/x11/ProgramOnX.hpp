@@ -19,9 +19,10 @@ public:
     struct Binding {
         std::string appPath;
         std::string hotKey;
-        std::string edge = "none";  ///< on the primary display
+        std::string edge = "none";
         std::string autoTuck = "false";
-        std::string corner = "none";  ///< of the primary display
+        std::string corner = "none";
+        std::size_t display = 0;  ///< that of the edge and the corner; 0 is the primary one
     };
 
     explicit ProgramOnX(XSessionOptions options = {});
@@ -33,7 +34,9 @@ public:
     const std::filesystem::path settingsFolder = session.folder() / "config/com.tessivane.quorvel";
     const std::filesystem::path settingsFile = settingsFolder / "defaults.json";
 
-    /// Writes the settings; what is done only once in the life of an account is marked as done.
+    /// Writes the settings for the displays that are plugged in now, and each application once,
+    /// however many bindings place it; what is done only once in the life of an account is marked
+    /// as done.
     void bind(const std::vector<Binding>& bindings, std::string_view animation = "slide");
     /// Writes a settings file of any content.
     void writeSettings(std::string_view text);
@@ -91,7 +94,7 @@ public:
     static std::string contentOf(const std::filesystem::path& file);
 
 private:
-    std::string displayIdentifier() const;
+    std::vector<std::string> displayIdentifiers() const;
 
     std::optional<ChildProcess> process;
 };
