@@ -256,6 +256,12 @@ std::optional<WindowReading> FrameReader::read(xcb_window_t client) {
     return std::nullopt;
 }
 
+bool FrameReader::exists(xcb_window_t client) const {
+    const Reply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        x.xcb(), xcb_get_window_attributes(x.xcb(), client), nullptr));
+    return attributes != nullptr;
+}
+
 void FrameReader::watch(const WindowReading& window, bool statesToo) const {
     x.select(window.frame, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     x.select(window.client, XCB_EVENT_MASK_STRUCTURE_NOTIFY);

@@ -68,6 +68,9 @@ public:
     /// and those on other workspaces, have a frame.
     std::optional<WindowReading> read(xcb_window_t client);
 
+    /// Also of one that its owner has withdrawn. One round trip.
+    bool exists(xcb_window_t client) const;
+
     /// One window's reading under way; made by `ask`.
     struct Question;
     /// The same for many windows in one round trip: asks now, to be answered later, each once.

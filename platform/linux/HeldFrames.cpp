@@ -87,10 +87,10 @@ void HeldFrames::take() {
         const auto found = entries.find(question.client);
         if (found == entries.end()) continue;
         Entry& entry = found->second;
-        entry.reading = std::move(reading);
+        entry.reading = judged(question.client, entry, std::move(reading));
         // Known only from the moment on at which the server tells of every change of it.
         const bool isWatched = !entry.reading || clients.contains(entry.reading->frame);
-        entry.isKnown = isWatched && !question.parents.empty();
+        entry.isKnown = isWatched && !question.parents.empty() && !entry.unsettledSince;
         if (entry.isKnown) entry.sequence = question.parents.front().sequence;
         if (!isWatched) {
             frames.watch(*entry.reading, true);
@@ -99,6 +99,26 @@ void HeldFrames::take() {
             clients.emplace(entry.reading->frame, question.client);
         }
     }
+}
+
+std::optional<WindowReading> HeldFrames::judged(xcb_window_t client, Entry& entry,
+                                                std::optional<WindowReading> reading) const {
+    const bool hasAnotherFrame = reading && entry.settled && reading->frame != entry.settled->frame;
+    const bool isSettled = reading ? !hasAnotherFrame : !frames.exists(client);
+    const auto now = Clock::now();
+    if (!isSettled && entry.settled) {
+        if (!entry.unsettledSince) entry.unsettledSince = now;
+        if (now - *entry.unsettledSince < handover) return entry.settled;
+    }
+    entry.unsettledSince.reset();
+    entry.settled = reading;
+    return reading;
+}
+
+std::optional<WindowReading> HeldFrames::read(xcb_window_t client) {
+    auto reading = frames.read(client);
+    const auto found = entries.find(client);
+    return found == entries.end() ? reading : judged(client, found->second, std::move(reading));
 }
 
 std::optional<std::optional<WindowReading>> HeldFrames::known(xcb_window_t client) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -15,6 +16,10 @@ namespace quorvel::native {
 /// takes a reading only of those to which something has happened.
 class HeldFrames {
 public:
+    /// For how long a window that is withdrawn or gets another frame still counts as where it was:
+    /// when one window manager hands it over to the next it is both, and for a moment anywhere.
+    static constexpr std::chrono::milliseconds handover{500};
+
     HeldFrames(XConnection& x, FrameReader& frames);
 
     void add(xcb_window_t client);
@@ -27,6 +32,8 @@ public:
     /// What `take` has found, until the next event about the window. Outer: not known. Inner: the
     /// window is gone.
     std::optional<std::optional<WindowReading>> known(xcb_window_t client) const;
+    /// Asks the server at once, about any window. Nothing when it is gone.
+    std::optional<WindowReading> read(xcb_window_t client);
     /// We are about to change it.
     void invalidate(xcb_window_t client);
 
@@ -36,13 +43,20 @@ public:
     }
 
 private:
+    using Clock = FrameReader::Clock;
+
     struct Entry {
         std::optional<WindowReading> reading;
+        std::optional<WindowReading> settled;
+        std::optional<Clock::time_point> unsettledSince;
         bool isKnown = false;
         /// Of the request that the reading answers: events up to there are part of it.
         std::uint32_t sequence = 0;
     };
 
+    /// What a reading that was made now means.
+    std::optional<WindowReading> judged(xcb_window_t client, Entry& entry,
+                                        std::optional<WindowReading> reading) const;
     Entry* subjectOf(const xcb_generic_event_t& event);
 
     XConnection& x;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/linux/DisplayGeometry.hpp"
+#include "platform/linux/MoveRequests.hpp"
 
 namespace quorvel::native {
 namespace {
@@ -24,7 +25,8 @@ bool isSmaller(const Rect& rect, const Rect& than) {
 X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
                                  WindowManagerInfo& manager, FocusedWindowSource& focus,
                                  DisplaysInRoot displaysInRoot)
-    : elements(elements),
+    : x(x),
+      elements(elements),
       manager(manager),
       focus(focus),
       displaysInRoot(std::move(displaysInRoot)),
@@ -60,7 +62,7 @@ FrameReading X11WindowAccess::readFrame(AXWindow window) {
     if (!client) return {};
     std::optional<std::optional<WindowReading>> known;
     if (isObserving) known = heldFrames.known(*client);
-    const auto now = known ? *known : frames.read(*client);
+    const auto now = known ? *known : heldFrames.read(*client);
     if (!now) return {};
     const Point origin = axOriginInRoot(displaysInRoot());
     return {Point{now->seen.x - origin.x, now->seen.y - origin.y}, now->seen.size()};
@@ -78,6 +80,7 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
     manager.update(question);
     if (now && (hold || step == MoveStep::final)) now = freed(*now, hold, deadline);
     if (!now) {
+        if (comesHome) sendHomeWithdrawn(window, originAX);
         endHold(window);
         return refused;
     }
@@ -165,6 +168,13 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
 void X11WindowAccess::endHold(AXWindow window) {
     holds.erase(window);
     if (const auto client = elements.windowOf(window.element)) heldFrames.remove(*client);
+}
+
+void X11WindowAccess::sendHomeWithdrawn(AXWindow window, Point originAX) {
+    const auto client = elements.windowOf(window.element);
+    if (!client || !frames.exists(*client)) return;
+    const Point axOrigin = axOriginInRoot(displaysInRoot());
+    sendConfigure(x, *client, {originAX.x + axOrigin.x, originAX.y + axOrigin.y});
 }
 
 void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {

@@ -62,12 +62,15 @@ private:
 
     std::optional<WindowReading> read(AXWindow window);
     void endHold(AXWindow window);
+    /// Where it will be when somebody shows it again.
+    void sendHomeWithdrawn(AXWindow window, Point originAX);
     /// Without a display, as long as there is none, the place of the last one.
     Point axOriginInRoot(const std::vector<Rect>& displays);
     /// Out of the states that hold it in place; what is known of the window afterwards.
     std::optional<WindowReading> freed(const WindowReading& now, Hold* hold,
                                        Clock::time_point deadline);
 
+    XConnection& x;
     WindowElements& elements;
     WindowManagerInfo& manager;
     FocusedWindowSource& focus;
