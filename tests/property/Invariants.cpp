@@ -58,7 +58,7 @@ void Invariants::afterStep(const Step& step) {
     const auto calm = marksOf(calmTuckedWindows());
     for (const auto& [window, mark] : before.calm) {
         const auto now = calm.find(window);
-        if (now != calm.end() && now->second == mark && !cursorIsOnStrip(window)) {
+        if (now != calm.end() && now->second == mark && visitOfStrip(window) == StripVisit::no) {
             stripsReady[window] = mark;
         }
     }
@@ -181,7 +181,7 @@ void Invariants::restedStripsReveal() const {
         const auto ready = stripsReady.find(window);
         const bool isUntouched = earlier != before.calm.end() && earlier->second == mark;
         const bool isReady = ready != stripsReady.end() && ready->second == mark;
-        if (isUntouched && isReady && cursorIsOnStrip(window)) {
+        if (isUntouched && isReady && visitOfStrip(window) == StripVisit::yes) {
             world.witness.object("a rest on a strip reveals: " + name(window) + " stays");
         }
     }
@@ -214,19 +214,24 @@ std::map<WindowElement, Invariants::Mark> Invariants::marksOf(const Windows& win
     return result;
 }
 
-bool Invariants::cursorIsOnStrip(WindowElement window) const {
+Invariants::StripVisit Invariants::visitOfStrip(WindowElement window) const {
     const double maxY = world.sim.screens.primaryScreenMaxY();
+    const Point cursorCocoa = world.sim.pointer.state().locationCocoa;
+    int strips = 0;
+    int visited = 0;
     for (const auto& tucked : tucking().tuckedWindows()) {
         if (tucked.window.element != window) continue;
         const Rect frameAX = world.sim.frameAX(tucked.window).value_or(Rect{});
         for (const Rect& displayAX : displaysAX()) {
             if (!isAt(tucked.edge.tuckedOrigin(frameAX, displayAX), frameAX.origin())) continue;
-            const Rect strip =
+            const Rect stripCocoa =
                 tucked.edge.revealStripCocoa(flipped(frameAX, maxY), flipped(displayAX, maxY));
-            if (strip.containsInclusive(world.sim.pointer.state().locationCocoa)) return true;
+            ++strips;
+            if (stripCocoa.containsInclusive(cursorCocoa)) ++visited;
         }
     }
-    return false;
+    if (visited == 0) return StripVisit::no;
+    return visited == strips ? StripVisit::yes : StripVisit::perhaps;
 }
 
 bool Invariants::standsAtEdge(const TuckController::TuckedWindow& tucked) const {

@@ -31,7 +31,9 @@ private:
     Windows tuckedWindows() const;
     /// Neither moving nor revealed nor out of order.
     Windows calmTuckedWindows() const;
-    bool cursorIsOnStrip(WindowElement window) const;
+    /// Where displays overlap, a window may stand at an edge of either.
+    enum class StripVisit { no, perhaps, yes };
+    StripVisit visitOfStrip(WindowElement window) const;
     bool standsAtEdge(const TuckController::TuckedWindow& tucked) const;
     bool isOnADisplay(const Rect& frameAX) const;
     bool isUndisturbed() const;

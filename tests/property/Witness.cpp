@@ -41,6 +41,7 @@ void Witness::windowWasResized(WindowElement window) {
     Story& told = story(window);
     told.isWhereItWasSent = false;
     told.wasResizedSince = true;
+    told.wasResizedWhileHeld = true;
     if (!sim.windows.isHeld({window})) told.wasPutThere = false;
     told.wasRevealedHere = false;
 }
@@ -208,7 +209,7 @@ void Witness::raise(AXWindow window) {
             object("nothing is revealed while a button is pressed: " + name(window) + " was");
         }
         // One that refuses to move is never under the cursor that brought it out.
-        if (told.wasRevealedHere && !told.isFaulty) {
+        if (told.wasRevealedHere && !told.isFaulty && !told.wasResizedWhileHeld) {
             object("a window is revealed once a visit: " + name(window) + " was again");
         }
         told.wasRevealedHere = true;
@@ -231,6 +232,7 @@ void Witness::hold(AXWindow window, const Rect& originalFrameAX) {
     told.homeAX = home;
     told.comesHome = false;
     told.wasRevealedHere = false;
+    told.wasResizedWhileHeld = false;
     sim.windows.hold(window, originalFrameAX);
 }
 

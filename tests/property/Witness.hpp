@@ -28,6 +28,8 @@ public:
         /// Nor has its size or any display changed since the program aimed that move.
         bool isWhereItWasSent = false;
         bool wasResizedSince = false;  ///< since it last arrived somewhere
+        /// Nor since it was tucked: then its strip stays under the cursor while it slides.
+        bool wasResizedWhileHeld = false;
         /// Something about it failed once; from then on it may stand anywhere.
         bool isFaulty = false;
         /// On its way home.
