@@ -32,6 +32,9 @@ void Invariants::beforeStep() {
         if (!world.sim.server.find(window)) before.dead.insert(window);
         before.held.insert(window);
     }
+    for (const SimulatedWindow* window : world.sim.server.all()) {
+        if (world.sim.windows.isHeld(window->handle())) before.held.insert(window->element);
+    }
 }
 
 void Invariants::afterStep(const Step& step) {
@@ -73,6 +76,9 @@ void Invariants::atTheEnd() {
         world.witness.object("nothing is tucked at the end: " + name(window) + " is");
     }
     for (const WindowElement window : before.held) {
+        if (tucking().isMoving({window})) {
+            world.witness.object("nothing slides at the end: " + name(window) + " does");
+        }
         const auto frameAX = world.sim.frameAX({window});
         const auto& story = world.witness.story(window);
         // One that its user moved was given up, and stands where they left it.

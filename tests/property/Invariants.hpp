@@ -55,7 +55,7 @@ private:
     struct Before {
         bool isUndisturbed = false;
         Windows dead;
-        Windows held;
+        Windows held;  ///< tucked, or on their way home
         int fires = 0;
         int arms = 0;
         std::map<WindowElement, Mark> calm;
