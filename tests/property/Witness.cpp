@@ -195,7 +195,8 @@ std::int32_t Witness::setOrigin(AXWindow window, Point originAX, MoveStep step) 
     if (step == MoveStep::final && error == 0) {
         told.comesHome = false;
         told.wasPutThere = true;
-        told.isWhereItWasSent = displaysAreSettled() && !told.wasResizedSince;
+        told.isWhereItWasSent =
+            displaysAreSettled() && !told.wasResizedSince && !told.wasTuckedInPassing;
         told.wasResizedSince = false;
         told.lastSlideWrite.reset();
     }
@@ -233,6 +234,7 @@ void Witness::hold(AXWindow window, const Rect& originalFrameAX) {
     told.comesHome = false;
     told.wasRevealedHere = false;
     told.wasResizedWhileHeld = false;
+    told.wasTuckedInPassing = !displaysAreSettled();
     sim.windows.hold(window, originalFrameAX);
 }
 
