@@ -47,6 +47,7 @@ test:
 	@cmake --build $(RELEASE) --target desktop_tests -j $(JOBS)
 	@ctest --test-dir $(DEV) -L 'unit|views|property' -j $(JOBS) $(CTEST)
 	@ctest --test-dir $(DEV) -L contract -R /simulated -j $(JOBS) $(CTEST)
+	@ctest --test-dir $(RELEASE) -L property $(CTEST)
 	@# Window managers have races of their own on a busy machine: what fails must fail twice, and says so.
 	@ctest --test-dir $(RELEASE) -L 'contract|x11' -j $(TEST_JOBS) --repeat until-pass:2 $(CTEST)
 

@@ -77,8 +77,11 @@ void LauncherController::observeDesktop() {
     workspaceObservers.push_back(desktop.applications.onActivated(
         [this, alive, &runLoop](const RunningApplication& activated) {
             if (!activated.bundlePath) return;
-            runLoop.async([this, alive, appPath = *activated.bundlePath] {
-                if (!alive.expired()) applicationActivated(appPath);
+            runLoop.async([this, alive, activated] {
+                if (alive.expired()) return;
+                // A shortcut may have hidden it since: then that is the news to go by.
+                if (desktop.applications.isHidden(activated)) return;
+                applicationActivated(*activated.bundlePath);
             });
         }));
     screenObserver = desktop.screens.onChange([this, alive, &runLoop] {

@@ -56,6 +56,9 @@ public:
     /// Nothing for an application that has no active binding.
     std::optional<TuckConfig> tuckConfig(const std::string& appPath) const;
 
+    /// Which windows are tucked, and how.
+    const TuckController& tucking() const { return tuckController; }
+
     /// Validates the bindings, registers their shortcuts, then does `applyAllHotZones`.
     void applyHotZone(int dwellMs);
 

@@ -237,8 +237,13 @@ std::vector<TuckController::TuckedWindow> TuckController::tuckedWindows() const 
 bool TuckController::hasRevealedWindow(const std::string& appPath) const {
     const auto tucked = tuckedWindows();
     return std::any_of(tucked.begin(), tucked.end(), [&](const TuckedWindow& each) {
-        return each.appPath == appPath && registry.find(each.window)->revealed;
+        return each.appPath == appPath && isRevealed(each.window);
     });
+}
+
+bool TuckController::isRevealed(AXWindow window) const {
+    const auto* const record = registry.find(window);
+    return record && record->revealed;
 }
 
 std::optional<RunningApplication> TuckController::runningApp(const std::string& appPath) const {

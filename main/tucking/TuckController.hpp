@@ -93,6 +93,8 @@ public:
     std::vector<TuckedWindow> tuckedWindows() const;
     /// Whether a window of the application is out of its edge at the moment.
     bool hasRevealedWindow(const std::string& appPath) const;
+    /// Whether this window is; false for one that is not tucked.
+    bool isRevealed(AXWindow window) const;
     bool isMoving(AXWindow window) const { return animator.isMoving(window); }
     /// Whether a window is on its way into or out of an edge, or home.
     bool isMovingAnyWindow() const { return animator.isMovingAny(); }

@@ -80,6 +80,8 @@ std::int32_t SimulatedWindows::setOrigin(AXWindow window, Point originAX, MoveSt
     const Point landed = allowedOrigin(*found, originAX);
     found->frameAX.x = landed.x;
     found->frameAX.y = landed.y;
+    // A window server tells of every move, whoever asked for it.
+    if (isHeld(window)) heldWindowChanges.notify();
     if (step == MoveStep::final) arriveHome(*found);
     return 0;
 }

@@ -44,7 +44,7 @@ public:
     /// Where a held window belongs.
     std::optional<Rect> heldFrameAX(AXWindow window) const;
 
-    /// Someone else moved, resized or closed a window that is held.
+    /// Someone, the program too, moved, resized or closed a window that is held.
     [[nodiscard]] Subscription onHeldWindowChange(std::function<void()> handler) {
         return heldWindowChanges.add(std::move(handler));
     }

@@ -142,6 +142,16 @@ TEST_P(PollTimersWithWindowsContract, HeldWindowThatTheUserMovesEndsTheRest) {
     EXPECT_TRUE(rig->until([&] { return read() == rig->seenFrameAX(window); }));
 }
 
+TEST_P(PollTimersWithWindowsContract, HeldWindowThatTheProgramMovesEndsTheRest) {
+    open();
+    const Rect home = rig->seenFrameAX(window).value();
+    desktop.windows.hold(*handle, home);
+    start(PollAgain::onceAnythingMoves);
+    ASSERT_TRUE(rests());
+    EXPECT_EQ(desktop.windows.setOrigin(*handle, {home.x + 60, home.y + 40}, MoveStep::final), 0);
+    EXPECT_TRUE(goesOn());
+}
+
 TEST_P(PollTimersWithWindowsContract, HeldWindowThatClosesEndsTheRest) {
     open();
     desktop.windows.hold(*handle, rig->seenFrameAX(window).value());

@@ -254,6 +254,21 @@ TEST_F(LauncherActivationTest, ABindingByAnotherPathRemovedWhileHiddenIsShownAtT
     EXPECT_FALSE(sim.applications.isHidden({editor, 0}));
 }
 
+TEST_F(LauncherActivationTest,
+       AnApplicationHiddenAgainBeforeItsActivationIsHeardOfIsShownAtTheEnd) {
+    launchWith("true", "bottom");
+    const AXWindow window = startEditor(home);
+    startBrowser();
+    ASSERT_TRUE(sim.applications.isHidden({editor, 0}));
+    // Pressed as the application becomes active, and ahead of that news.
+    const auto spec = HotKeySpec::parse(editorKeys);
+    sim.hotKeys.press(virtualKeyCodes().at(spec->keyName), spec->carbonMask());
+    activate(window);
+    ASSERT_TRUE(sim.applications.isHidden({editor, 0}));
+    terminate();
+    EXPECT_FALSE(sim.applications.isHidden({editor, 0}));
+}
+
 TEST_F(LauncherActivationTest, TheSignalPutsBackWhatIsTuckedRevealedOrHalfway) {
     launchWith("false", "left");
     const AXWindow revealed = startEditor({200, 100, 800, 300});
