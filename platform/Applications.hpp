@@ -41,9 +41,10 @@ public:
     /// False for an application without windows.
     virtual bool isHidden(const RunningApplication& application) const = 0;
     virtual void hide(const RunningApplication& application) = 0;
-    /// Shows the windows that `hide` took away, also after the user has brought back some of them;
-    /// those that the user iconified stay so. Where none is left that `hide` took, a hidden
-    /// application gets all its windows back. The keyboard stays where it is.
+    /// Shows the windows that `hide` took away; those that the user iconified stay so. Where none
+    /// is left that `hide` took, a hidden application gets all its windows back. The keyboard stays
+    /// where it is. An application that comes to the front by one of its windows gets back what
+    /// `hide` took of the others.
     virtual void unhide(const RunningApplication& application) = 0;
 
     /// Unhides it and gives its most recently active window the keyboard.

@@ -195,7 +195,12 @@ void TuckController::displaysChanged() {
     for (const AXWindow window : registry.order) {
         const auto known = meta.find(window);
         if (known == meta.end()) continue;
-        if (std::find(frames.begin(), frames.end(), known->second.screenCocoa) == frames.end()) {
+        const bool isGone =
+            std::find(frames.begin(), frames.end(), known->second.screenCocoa) == frames.end();
+        // Another display may have taken the very place of the one that went; then the window is
+        // beside it. The user has not moved it: no poll has come in between.
+        const auto frameAX = isGone ? std::nullopt : windows.frameAX(window);
+        if (isGone || (frameAX && wasMovedByOthers(known->second, frameAX->origin()))) {
             stranded.push_back(window);
         }
     }

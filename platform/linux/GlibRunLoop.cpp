@@ -109,7 +109,8 @@ void GlibRunLoop::scheduleDrain() {
 void GlibRunLoop::drain() {
     g_source_set_ready_time(drainSource, -1);
     // What is queued by this work waits for the next turn, or a chain of work starves the events.
-    for (std::size_t left = queue.size(); left > 0 && !queue.empty() && modalDepth == 0; --left) {
+    for (std::size_t left = queue.size();
+         left > 0 && !queue.empty() && modalDepth == 0 && !hasStopped; --left) {
         const std::function<void()> work = std::move(queue.front());
         queue.pop_front();
         work();
@@ -184,10 +185,13 @@ void GlibRunLoop::modal(const std::function<void()>& body) {
 }
 
 void GlibRunLoop::run() {
+    hasStopped = false;
     g_main_loop_run(loop);
+    queue.clear();
 }
 
 void GlibRunLoop::stop() {
+    hasStopped = true;
     g_main_loop_quit(loop);
 }
 

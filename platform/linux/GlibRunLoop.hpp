@@ -40,6 +40,7 @@ private:
     std::deque<std::function<void()>> queue;
     GSource* drainSource = nullptr;
     int modalDepth = 0;
+    bool hasStopped = false;
     Lifetime life;
 };
 

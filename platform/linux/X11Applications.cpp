@@ -240,7 +240,10 @@ bool X11Applications::keepsFront() const {
 void X11Applications::report(std::optional<Front> front) {
     const auto before = std::exchange(reported, front);
     if (before && front && isSame(before->application, front->application)) return;
-    if (front) launches.frontChanged(front->application.bundlePath);
+    if (front) {
+        launches.frontChanged(front->application.bundlePath);
+        unhide(front->application);
+    }
     if (before) deactivatedHandlers.notify(before->application);
     if (front) activatedHandlers.notify(front->application);
 }

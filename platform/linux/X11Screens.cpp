@@ -42,7 +42,8 @@ X11Screens::X11Screens(XConnection& x, RunLoop& runLoop)
             XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                 XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
     }
-    announced = current().screens;
+    announced = current();
+    isOwedAnAnnouncement = false;
 }
 
 std::vector<Screen> X11Screens::screens() const {
@@ -76,6 +77,15 @@ std::vector<Rect> X11Screens::framesInRoot() const {
 const X11Screens::Arrangement& X11Screens::current() const {
     if (!isStale) return arrangement;
     isStale = false;
+    arrangement = read();
+    if (arrangement != announced) isOwedAnAnnouncement = true;
+    return arrangement;
+}
+
+X11Screens::Arrangement X11Screens::read() const {
+    // Without any screen the spaces stay as they were.
+    Arrangement arrangement{
+        {}, this->arrangement.axOriginInRoot, this->arrangement.primaryScreenMaxY};
     std::vector<Monitor> monitors = readMonitors();
     std::vector<Monitor> distinct;
     for (Monitor& monitor : monitors) {
@@ -84,7 +94,6 @@ const X11Screens::Arrangement& X11Screens::current() const {
             [&](const Monitor& other) { return other.frameInRoot == monitor.frameInRoot; });
         if (!isKnown && !monitor.frameInRoot.isEmpty()) distinct.push_back(std::move(monitor));
     }
-    arrangement.screens.clear();
     if (distinct.empty()) return arrangement;
 
     auto primary = std::find_if(distinct.begin(), distinct.end(), [](const Monitor& monitor) {
@@ -206,8 +215,9 @@ void X11Screens::announceWhenSettled(RunLoop::Duration delay) {
             return;
         }
         isSettling = false;
-        if (current().screens == announced) return;
-        announced = current().screens;
+        current();
+        if (!std::exchange(isOwedAnAnnouncement, false)) return;
+        announced = arrangement;
         subscribers.notify();
     });
 }

@@ -14,7 +14,8 @@ namespace quorvel::native {
 /// has one screen, the root window.
 ///
 /// Read once and kept until the server says that something changed. Changes are announced when
-/// none has followed for 100 ms, and only if they changed something.
+/// none has followed for 100 ms, and only if they changed something; one that was undone by then
+/// is, if somebody has read it meanwhile.
 class X11Screens final : public Screens {
 public:
     X11Screens(XConnection& x, RunLoop& runLoop);
@@ -39,9 +40,12 @@ private:
         std::vector<Screen> screens;
         Point axOriginInRoot;
         double primaryScreenMaxY = 0;
+
+        bool operator==(const Arrangement&) const = default;
     };
 
     const Arrangement& current() const;
+    Arrangement read() const;
     std::vector<Monitor> readMonitors() const;
     void handle(const xcb_generic_event_t& event);
     void announceWhenSettled(RunLoop::Duration delay);
@@ -52,7 +56,9 @@ private:
     bool hasMonitors = false;
     mutable bool isStale = true;
     mutable Arrangement arrangement;
-    std::vector<Screen> announced;
+    Arrangement announced;
+    /// Somebody has read an arrangement that is not announced yet.
+    mutable bool isOwedAnAnnouncement = false;
     std::uint64_t lastEvent = 0;
     bool isSettling = false;
     Subscribers<> subscribers;

@@ -164,6 +164,7 @@ void SimulatedApplications::report(const std::optional<RunningApplication>& fron
     const auto before = reportedFront;
     reportedFront = front;
     if (before && front && isSame(*before, *front)) return;
+    if (front) unhide(*front);
     if (before) deactivatedHandlers.notify(*before);
     if (front) activatedHandlers.notify(*front);
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
 
 namespace quorvel {
 
@@ -34,8 +35,13 @@ Subscription SimulatedScreens::onChange(std::function<void()> handler) {
     return handlers.add(std::move(handler));
 }
 
+std::vector<Screen> SimulatedScreens::screens() const {
+    if (attached != reported) isOwedAReport = true;
+    return attached;
+}
+
 void SimulatedScreens::report() {
-    if (attached == reported) return;
+    if (!std::exchange(isOwedAReport, false) && attached == reported) return;
     reported = attached;
     handlers.notify();
 }

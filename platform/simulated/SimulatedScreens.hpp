@@ -14,7 +14,8 @@ public:
     explicit SimulatedScreens(RunLoop& runLoop);
 
     /// The new arrangement holds at once; it is reported when no further one came for a while,
-    /// and only if it differs from the one reported last. An empty list unplugs everything.
+    /// and only if it differs from the one reported last, or another did that somebody has read. An
+    /// empty list unplugs everything.
     void arrange(std::vector<Screen> arrangement);
 
     /// Whether a change is still to be reported, or found to be none.
@@ -26,7 +27,7 @@ public:
     /// Where AX space begins: the upper edge of the primary display, 0 without displays.
     double primaryScreenMaxY() const;
 
-    std::vector<Screen> screens() const override { return attached; }
+    std::vector<Screen> screens() const override;
     [[nodiscard]] Subscription onChange(std::function<void()> handler) override;
 
 private:
@@ -35,6 +36,8 @@ private:
     RunLoop& runLoop;
     std::vector<Screen> attached;
     std::vector<Screen> reported;
+    /// Somebody has read an arrangement that is not reported yet.
+    mutable bool isOwedAReport = false;
     int unsettled = 0;  ///< changes whose settling time has not passed
     Subscribers<> handlers;
 };

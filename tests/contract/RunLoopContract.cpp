@@ -134,6 +134,16 @@ TEST_P(RunLoopContract, RunEndsWithStopAndDropsWhatIsQueued) {
     EXPECT_EQ(order, (std::vector<int>{1}));
 }
 
+TEST_P(RunLoopContract, WhatWasQueuedBehindTheStopIsDroppedToo) {
+    runLoop.async([&] {
+        order.push_back(1);
+        runLoop.stop();
+    });
+    runLoop.async(note(2));
+    runLoop.run();
+    EXPECT_EQ(order, (std::vector<int>{1}));
+}
+
 INSTANTIATE_TEST_SUITE_P(, RunLoopContract, testing::Values(simulatedRig(), bareRig()), rigName);
 
 }  // namespace

@@ -120,6 +120,16 @@ TEST_P(ScreensContract, ChangesShortlyAfterOneAnotherAreReportedTogether) {
     EXPECT_TRUE(rig->never([&] { return reports > 1; }));
 }
 
+TEST_P(ScreensContract, ChangeThatIsUndoneIsReportedIfSomebodyHasReadIt) {
+    int reports = 0;
+    const Subscription changes = desktop.screens.onChange([&] { ++reports; });
+    rig->arrange({{0, 0, 1280, 800}, {1280, 0, 1280, 800}});
+    ASSERT_TRUE(arrives({{0, 0, 1280, 800}, {1280, 0, 1280, 800}}));
+    rig->arrange({{0, 0, 1280, 800}, {}});
+    ASSERT_TRUE(arrives({{0, 0, 1280, 800}}));
+    EXPECT_TRUE(rig->until([&] { return reports > 0; }));
+}
+
 TEST_P(ScreensContract, NothingIsReportedAfterTheSubscription) {
     int reports = 0;
     Subscription changes = desktop.screens.onChange([&] { ++reports; });

@@ -195,8 +195,7 @@ std::int32_t Witness::setOrigin(AXWindow window, Point originAX, MoveStep step) 
     if (step == MoveStep::final && error == 0) {
         told.comesHome = false;
         told.wasPutThere = true;
-        told.isWhereItWasSent =
-            displaysAreSettled() && !told.wasResizedSince && !told.wasTuckedInPassing;
+        told.isWhereItWasSent = displaysAreSettled() && !told.wasResizedSince;
         told.wasResizedSince = false;
         told.lastSlideWrite.reset();
     }
@@ -234,7 +233,6 @@ void Witness::hold(AXWindow window, const Rect& originalFrameAX) {
     told.comesHome = false;
     told.wasRevealedHere = false;
     told.wasResizedWhileHeld = false;
-    told.wasTuckedInPassing = !displaysAreSettled();
     sim.windows.hold(window, originalFrameAX);
 }
 

@@ -35,9 +35,6 @@ public:
         /// On its way home.
         bool comesHome = false;
         std::optional<Point> homeAX;
-        /// Tucked while displays came and went: that one may never have been announced, nor will it
-        /// be announced that it is gone.
-        bool wasTuckedInPassing = false;
         bool wasRevealedHere = false;  ///< and the cursor has not moved since
         std::optional<Moment> lastSlideWrite;
         int holds = 0;

@@ -57,6 +57,31 @@ TEST_F(EdgeRevealWatcherTest, ARestOf100MillisecondsDoesNotReveal) {
     EXPECT_EQ(revealCount(), 0u);
 }
 
+TEST_F(EdgeRevealWatcherTest, TheThirdPollAfterTheFirstRevealsWhenAllAreOnTime) {
+    rest(onStrip, 195ms);
+    EXPECT_FALSE(isRevealed());
+    rest(onStrip, 10ms);
+    EXPECT_TRUE(isRevealed());
+}
+
+TEST_F(EdgeRevealWatcherTest, TheSecondOneRevealsWhenItComesAsLateAsItMay) {
+    rest(onStrip, 1ms);
+    desktop.runLoop.ticksAreLate = true;
+    rest(onStrip, 148ms);
+    EXPECT_FALSE(isRevealed());
+    rest(onStrip, 10ms);
+    EXPECT_TRUE(isRevealed());
+}
+
+TEST_F(EdgeRevealWatcherTest, FourteenPointsBesideItKeepItAndSixteenDoNot) {
+    bringOut();
+    const Rect out = frame(window);
+    rest({out.maxX() + 14, 400}, 500ms);
+    EXPECT_TRUE(isRevealed());
+    rest({out.maxX() + 16, 400}, 500ms);
+    EXPECT_FALSE(isRevealed());
+}
+
 TEST_F(EdgeRevealWatcherTest, ARestRevealsOnceUntilTheCursorLeaves) {
     rest(onStrip, 60s);
     EXPECT_TRUE(isRevealed());

@@ -294,5 +294,21 @@ TEST_F(LauncherActivationTest, TheSignalPutsBackWhatIsTuckedRevealedOrHalfway) {
     EXPECT_TRUE(application.isEnding());
 }
 
+TEST_F(LauncherActivationTest, OneWindowThatIsChosenBringsBackAllThatWereHiddenWithIt) {
+    launchWith("true", "bottom");
+    const AXWindow one = startEditor({100, 100, 400, 300});
+    const AXWindow two = startEditor({600, 100, 400, 300});
+    sim.start(browser);
+    sim.advance(1s);
+    ASSERT_TRUE(sim.server.window(one.element).isIconic);
+    ASSERT_TRUE(sim.server.window(two.element).isIconic);
+    sim.server.activate(one.element);
+    sim.advance(1s);
+    EXPECT_FALSE(sim.server.window(two.element).isIconic);
+    terminate();
+    EXPECT_FALSE(sim.server.window(one.element).isIconic);
+    EXPECT_FALSE(sim.server.window(two.element).isIconic);
+}
+
 }  // namespace
 }  // namespace quorvel

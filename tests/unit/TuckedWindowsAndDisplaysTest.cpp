@@ -94,6 +94,30 @@ TEST_F(TuckedWindowsAndDisplaysTest, AWindowOfADisplayThatWasUnpluggedComesOntoA
     EXPECT_FALSE(desktop.windows.isHeld(window));
 }
 
+TEST_F(TuckedWindowsAndDisplaysTest, AnEqualDisplayThatTakesThePlaceOfTheOneThatWentKeepsNothing) {
+    const Screen twin = SimulatedScreens::screen(2, {1440, 0, 1440, 900});
+    arrange({first, twin});
+    const AXWindow window = tuckEditor();
+    // All places are counted from the twin now, which lies where the first one lay.
+    desktop.screens.arrange({SimulatedScreens::screen(2, first.frameCocoa)});
+    desktop.server.drag(window.element, {-798 - 1440, 150});
+    desktop.advance(100ms);
+    EXPECT_THAT(taken(), ElementsAre(restoring(1), "Quorvel: untucked window"));
+    EXPECT_EQ(frame(window).origin(), home.origin());
+}
+
+TEST_F(TuckedWindowsAndDisplaysTest, AWindowOfADisplayThatWasThereForAMomentIsPutBack) {
+    desktop.screens.arrange({second, first});
+    const AXWindow window = desktop.start(editor, {1500, 200, 500, 400});
+    edges[editor] = "right";
+    controller->toggleTuck(editor, TuckEdge::right);
+    desktop.screens.arrange({first});
+    desktop.advance(1s);
+    EXPECT_FALSE(controller->hasTuckedWindow(editor));
+    EXPECT_TRUE(first.frameCocoa.intersects(flipped(frame(window), 900)))
+        << frame(window).x << ", " << frame(window).y;
+}
+
 TEST_F(TuckedWindowsAndDisplaysTest, ARevealedWindowAndOneHalfwayArePutBackAtOnceToo) {
     const AXWindow revealed = tuckEditor();
     controller->reveal(revealed);

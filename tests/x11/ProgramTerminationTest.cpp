@@ -168,6 +168,7 @@ TEST_F(ProgramTerminationOnOpenboxTest, AWindowIsBackEvenWhenItsWindowManagerWas
     const Rect client = *program.probe().clientArea(window);
     program.press(program.shortcut);
     ASSERT_TRUE(program.waitForFrame(window, ProgramOnX::atLeftEdge(home)));
+    ASSERT_TRUE(program.staysAt(window, ProgramOnX::atLeftEdge(home)));
 
     program.session.stopWindowManager();
     program.session.startWindowManager(WindowManagerKind::xfwm4);
