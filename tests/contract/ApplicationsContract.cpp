@@ -390,7 +390,8 @@ TEST_P(IconicApplicationsContract, WhatTheUserBroughtBackAndIconifiedIsTheUsersD
     applications.hide(application);
     ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
     rig->activate(usersOwn);
-    ASSERT_TRUE(rig->until([&] { return rig->isShown(hidden); }));
+    ASSERT_TRUE(rig->until([&] { return rig->isShown(hidden) && rig->isActive(usersOwn); }));
+    ASSERT_TRUE(rig->never([&] { return !rig->isActive(usersOwn); }, 600ms));
     rig->iconify(usersOwn);
     ASSERT_TRUE(rig->until([&] { return !rig->isShown(usersOwn); }));
     applications.unhide(application);
