@@ -79,8 +79,10 @@ void WindowManagerInfo::handle(const xcb_generic_event_t& event) {
         }
         case XCB_PROPERTY_NOTIFY: {
             const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-            if (change.window != x.root()) return;
-            if (change.atom != x.atom(checkProperty) && change.atom != x.atom("_NET_SUPPORTED")) {
+            // Of the root, and of the window that it names: some fill that in afterwards.
+            if (change.window != x.root() && change.window != publishedWindow) return;
+            if (change.atom != x.atom(checkProperty) && change.atom != x.atom("_NET_SUPPORTED") &&
+                change.atom != x.atom("_NET_WM_NAME")) {
                 return;
             }
             break;
@@ -95,11 +97,13 @@ void WindowManagerInfo::handle(const xcb_generic_event_t& event) {
 }
 
 void WindowManagerInfo::read() {
-    const xcb_window_t published = windowIn(x, askCheckProperty(x, x.root()));
+    publishedWindow = windowIn(x, askCheckProperty(x, x.root()));
     xcb_window_t found = XCB_WINDOW_NONE;
-    if (published != XCB_WINDOW_NONE) {
-        x.select(published, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-        if (windowIn(x, askCheckProperty(x, published)) == published) found = published;
+    if (publishedWindow != XCB_WINDOW_NONE && publishedWindow != x.root()) {
+        x.select(publishedWindow, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+        if (windowIn(x, askCheckProperty(x, publishedWindow)) == publishedWindow) {
+            found = publishedWindow;
+        }
     }
     std::string name;
     std::unordered_set<xcb_atom_t> atoms;

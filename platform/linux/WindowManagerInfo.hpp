@@ -47,6 +47,7 @@ private:
     void read();
 
     XConnection& x;
+    xcb_window_t publishedWindow = XCB_WINDOW_NONE;  ///< may not be a window manager's
     xcb_window_t checkWindow = XCB_WINDOW_NONE;
     std::string managerName;
     std::unordered_set<xcb_atom_t> supported;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/X11Trust.hpp"
 #include "tests/x11/ConnectedTest.hpp"
 
@@ -95,6 +96,24 @@ TEST_F(TrustTest, WindowManagerMustFollowEwmhInEveryPoint) {
     EXPECT_THAT(trust.reason(), StartsWith(notEwmh));
     manager.setSupported({"_NET_ACTIVE_WINDOW", "_NET_WM_NAME", "_NET_CLIENT_LIST"});
     EXPECT_EQ(trust.reason(), "");
+}
+
+TEST_F(TrustTest, WindowManagerThatConfirmsLateIsSeenToRun) {
+    WindowManagerInfo info(*connection);
+    int changes = 0;
+    const Subscription subscription = info.onChange([&] { ++changes; });
+    const PretendedWindowManager manager(session.displayName());
+    manager.setCheck(manager.client.root(), manager.check);
+    handleAllSoFar();
+    EXPECT_FALSE(info.isRunning());
+    manager.setCheck(manager.check, manager.check);
+    handleAllSoFar();
+    EXPECT_TRUE(info.isRunning());
+    manager.client.setPropertyText(manager.check, "_NET_WM_NAME", "UTF8_STRING", "Pretended");
+    manager.client.sync();
+    handleAllSoFar();
+    EXPECT_EQ(info.name(), "Pretended");
+    EXPECT_EQ(changes, 2);
 }
 
 TEST_F(TrustTest, PropertiesThatAWindowManagerLeftBehindDoNotCount) {
