@@ -179,7 +179,11 @@ Recipe prepare(WindowManagerKind kind, const ScratchFolder& folder) {
             return {{"icewm"}, {{"ICEWM_PRIVCFG", file.parent_path().string()}}};
         }
         case WindowManagerKind::fluxbox: {
-            const auto file = folder.write("fluxbox/init", fluxboxInit);
+            // Or it tells in a window of its own that nothing is there to set a background with.
+            const auto overlay = folder.write("fluxbox/overlay", "background: none\n");
+            const auto file = folder.write(
+                "fluxbox/init",
+                std::string(fluxboxInit) + "session.styleOverlay: " + overlay.string() + "\n");
             folder.write("fluxbox/keys", "");
             return {{"fluxbox", "-no-toolbar", "-no-slit", "-rc", file.string()}, {}};
         }
