@@ -59,7 +59,8 @@ HeldFrames::Entry* HeldFrames::subjectOf(const xcb_generic_event_t& event) {
 }
 
 void HeldFrames::add(xcb_window_t client) {
-    entries.try_emplace(client);
+    remove(client);
+    entries.emplace(client, Entry{});
 }
 
 void HeldFrames::remove(xcb_window_t client) {

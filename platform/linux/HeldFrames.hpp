@@ -22,6 +22,7 @@ public:
 
     HeldFrames(XConnection& x, FrameReader& frames);
 
+    /// Anew, if it is there already: nothing that was known of it counts.
     void add(xcb_window_t client);
     void remove(xcb_window_t client);
 

@@ -1,5 +1,6 @@
 #include "platform/linux/X11WindowAccess.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -161,13 +162,22 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     manager.update(manager.ask());
     const auto now = read(window);
     if (now) freed(*now, &hold, deadline);
-    if (now) heldFrames.add(now->client);
+    if (now) {
+        hold.client = now->client;
+        heldFrames.add(now->client);
+    }
     newHolds.notify();
 }
 
 void X11WindowAccess::endHold(AXWindow window) {
-    holds.erase(window);
-    if (const auto client = elements.windowOf(window.element)) heldFrames.remove(*client);
+    const auto ended = holds.extract(window);
+    if (ended.empty()) return;
+    // The server may have given the identifier to another window since, and that may be held too.
+    const xcb_window_t client = ended.mapped().client;
+    const bool isHeldAnew = std::any_of(holds.begin(), holds.end(), [&](const auto& other) {
+        return other.second.client == client;
+    });
+    if (!isHeldAnew) heldFrames.remove(client);
 }
 
 void X11WindowAccess::sendHomeWithdrawn(AXWindow window, Point originAX) {

@@ -53,6 +53,7 @@ private:
     using Clock = FrameReader::Clock;
 
     struct Hold {
+        xcb_window_t client = XCB_WINDOW_NONE;
         Rect originalFrameAX;  ///< what a note on the window itself would say
         std::optional<GivenUpStates> given;
         bool keepsStates = false;  ///< it is moved past the window manager with its states
