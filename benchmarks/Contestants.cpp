@@ -10,21 +10,30 @@
 namespace quorvel::bench {
 namespace {
 
-constexpr const char* terminalEntry = "/usr/share/applications/debian-xterm.desktop";
-
 std::filesystem::path defaultsFile(Stage& stage) {
     return std::filesystem::path(stage.session().environment().at("XDG_CONFIG_HOME")) /
            "com.tessivane.quorvel" / "defaults.json";
 }
 
-void writeDefaults(Stage& stage, const std::string& placements) {
+/// Without a display nothing is placed on it.
+void writeDefaults(Stage& stage, const std::vector<Binding>& bindings, const std::string& display) {
     const std::filesystem::path file = defaultsFile(stage);
     std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << R"({"AppBindings": [{"appPath": ")" << terminalEntry
-                        << R"(", "hotKey": "control,option,T", "autoTuck": "false"}],)"
-                        << R"( "Placements": [)" << placements << R"(], "TuckAnimation": "slide",)"
-                        << R"( "DidOfferLoginItem": true, "DidFlattenPlacements": true,)"
-                        << R"( "DidMigrateLegacySettings": true})" << '\n';
+    std::string bound;
+    std::string placed;
+    for (const Binding& each : bindings) {
+        const std::string separator = bound.empty() ? "" : ", ";
+        const std::string path = R"({"appPath": ")" + each.entry;
+        bound += separator + path + R"(", "hotKey": "control,option,)" + each.letter +
+                 R"(", "autoTuck": ")" + (each.isAuto ? "true" : "false") + R"("})";
+        placed += separator + path + R"(", "display": ")" + display + R"(", "corner": ")" +
+                  each.corner + R"(", "tuckEdge": ")" + each.edge + R"("})";
+    }
+    if (display.empty()) placed.clear();
+    std::ofstream(file) << R"({"AppBindings": [)" << bound << R"(], "Placements": [)" << placed
+                        << R"(], "TuckAnimation": "slide", "DidOfferLoginItem": true,)"
+                        << R"( "DidFlattenPlacements": true, "DidMigrateLegacySettings": true})"
+                        << '\n';
 }
 
 /// The identifier of the only display that the program has come to know; empty before.
@@ -39,10 +48,10 @@ std::string knownDisplay(Stage& stage) {
 }  // namespace
 
 void Contestants::configureProgram(Stage& stage) {
-    writeDefaults(stage, "");
+    writeDefaults(stage, {{terminalEntry, "T"}}, "");
 }
 
-void Contestants::configureProgramWithEdge(Stage& stage) const {
+void Contestants::configureProgram(Stage& stage, const std::vector<Binding>& bindings) const {
     configureProgram(stage);
     stage.activateOther();
     test::ChildProcess process = startProgram(stage);
@@ -53,8 +62,7 @@ void Contestants::configureProgramWithEdge(Stage& stage) const {
         throw std::runtime_error("the program does not store the display that it runs on");
     }
     endProgram(process);
-    writeDefaults(stage, std::string(R"({"appPath": ")") + terminalEntry + R"(", "display": ")" +
-                             display + R"(", "corner": "none", "tuckEdge": "left"})");
+    writeDefaults(stage, bindings, display);
 }
 
 test::ChildProcess Contestants::startProgram(Stage& stage) const {
@@ -75,6 +83,10 @@ test::ChildProcess Contestants::startSlidingFloor(Stage& stage, xcb_window_t win
                                                   int distance) const {
     return stage.session().start(
         {floor.string(), "slide", std::to_string(window), keysymY, std::to_string(distance)});
+}
+
+test::ChildProcess Contestants::startSleepingFloor(Stage& stage) const {
+    return stage.session().start({floor.string(), "sleep"});
 }
 
 test::ChildProcess Contestants::startSxhkd(Stage& stage) {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "benchmarks/Stage.hpp"
 
@@ -11,6 +12,18 @@ namespace quorvel::bench {
 inline constexpr const char* keysymT = "0x74";
 inline constexpr const char* keysymY = "0x79";
 
+/// The desktop entry of the stage's terminal.
+inline constexpr const char* terminalEntry = "/usr/share/applications/debian-xterm.desktop";
+
+/// What the program is told about one application on the stage's display.
+struct Binding {
+    std::string entry;
+    std::string letter;  ///< with Control+Alt
+    std::string edge = "none";
+    std::string corner = "none";
+    bool isAuto = false;
+};
+
 /// What is measured, and what it is measured against. Each starts in the session of the stage and
 /// may not be ready yet when the function returns.
 struct Contestants {
@@ -19,9 +32,9 @@ struct Contestants {
 
     /// Binds the terminal to Control+Alt+T for a later start, without an edge to tuck it to.
     static void configureProgram(Stage& stage);
-    /// The same with the left edge of the stage's display. Starts the program once, since only that
+    /// With edges and corners of the stage's display. Starts the program once, since only that
     /// knows what it calls the display.
-    void configureProgramWithEdge(Stage& stage) const;
+    void configureProgram(Stage& stage, const std::vector<Binding>& bindings) const;
 
     test::ChildProcess startProgram(Stage& stage) const;
     /// Asks it to end, as at the end of a session, and waits for that.
@@ -30,6 +43,9 @@ struct Contestants {
     test::ChildProcess startFloor(Stage& stage) const;
     /// Control+Alt+Y slides `window` by `distance` pixels to the left, and back the next time.
     test::ChildProcess startSlidingFloor(Stage& stage, xcb_window_t window, int distance) const;
+
+    /// Nothing but a connection to the server that it sleeps on.
+    test::ChildProcess startSleepingFloor(Stage& stage) const;
 
     static test::ChildProcess startSxhkd(Stage& stage);
 };

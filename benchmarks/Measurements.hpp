@@ -15,6 +15,17 @@ std::vector<Row> measureResidents(const Contestants& contestants);
 /// From the start of the process to its first answer, in turn on one desktop.
 std::vector<Row> measureStarts(const Contestants& contestants);
 
+/// Wake-ups and processor time while nothing happens, with nothing tucked and with ten windows.
+/// Takes 60 seconds, or QUORVEL_BENCH_SECONDS.
+std::vector<Row> measureRest(const Contestants& contestants);
+
+/// One look at the pointer and at 1 to 1,000 held windows: what it costs and how that grows.
+std::vector<Row> measurePolls();
+
+/// From the pointer on the strip to the first frame of the slide, and from the pointer in a corner
+/// to the active window.
+std::vector<Row> measureDwells(const Contestants& contestants);
+
 /// Slides of the terminal to the left edge and back, under one window manager.
 std::vector<Row> measureSlides(const Contestants& contestants, test::WindowManagerKind kind);
 

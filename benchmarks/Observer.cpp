@@ -49,6 +49,10 @@ bool Observer::drain(const Accepts& accepts) const {
     return accepted;
 }
 
+void Observer::sleepUntil(Instant deadline) const {
+    waitFor([](const xcb_generic_event_t&, Instant) { return false; }, deadline);
+}
+
 void Observer::settle(std::chrono::milliseconds quiet, const Accepts& sees) const {
     const Instant end = Clock::now() + 10 * quiet;
     const auto any = [&sees](const xcb_generic_event_t& event, Instant at) {

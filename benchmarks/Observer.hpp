@@ -34,6 +34,8 @@ public:
     std::optional<Instant> waitFor(const Accepts& accepts, Instant deadline) const;
     /// Everything that the server has sent up to now; true when one of it was accepted.
     bool drain(const Accepts& accepts) const;
+    /// Lets time pass, whatever comes in.
+    void sleepUntil(Instant deadline) const;
     /// Returns once nothing has come in for `quiet`, or after ten times that.
     void settle(std::chrono::milliseconds quiet, const Accepts& sees = {}) const;
 

@@ -1,11 +1,11 @@
 #include <array>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
 
 #include "benchmarks/Measurements.hpp"
+#include "benchmarks/Processes.hpp"
 
 namespace quorvel::bench {
 namespace {
@@ -52,21 +52,6 @@ bool hasLoadedInterface(pid_t process) {
            content.find("libQt6") != std::string::npos;
 }
 
-/// Of all threads: each is a wake-up from a sleep.
-long voluntarySwitches(pid_t process) {
-    long total = 0;
-    const std::string tasks = "/proc/" + std::to_string(process) + "/task";
-    for (const auto& task : std::filesystem::directory_iterator(tasks)) {
-        std::ifstream status(task.path() / "status");
-        std::string line;
-        const std::string label = "voluntary_ctxt_switches:";
-        while (std::getline(status, line)) {
-            if (line.starts_with(label)) total += std::stol(line.substr(label.size()));
-        }
-    }
-    return total;
-}
-
 Row answerRow(const std::string& figure, double share, const std::array<Contestant, 3>& all) {
     const auto of = [&](std::size_t index) { return all[index].answers.quantile(share); };
     return {figure,         std::to_string(all[0].answers.count()) + "/" + std::to_string(presses),
@@ -105,7 +90,7 @@ std::vector<Row> measureResidents(const Contestants& contestants) {
     for (std::size_t i = 0; i < all.size(); ++i)
         before[i] = voluntarySwitches(all[i].process->pid());
     const Instant start = Clock::now();
-    all[0].stage->observer().waitFor([](const auto&, Instant) { return false; }, start + restSpan);
+    all[0].stage->observer().sleepUntil(start + restSpan);
     std::array<double, 3> wakeUps{};
     for (std::size_t i = 0; i < all.size(); ++i) {
         const double seconds = std::chrono::duration<double>(Clock::now() - start).count();

@@ -95,7 +95,7 @@ std::string describe(const Rect& rect) {
 Outcome measureUnder(const Contestants& contestants, test::WindowManagerKind kind) {
     Stage stage(kind);
     const test::XProbe& probe = stage.session().probe();
-    contestants.configureProgramWithEdge(stage);
+    contestants.configureProgram(stage, {{terminalEntry, "T", "left"}});
     test::ChildProcess program = contestants.startProgram(stage);
     stage.activateOther();
     if (!stage.firstAnswer()) throw std::runtime_error("Quorvel does not answer");

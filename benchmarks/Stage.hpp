@@ -24,9 +24,13 @@ public:
     xcb_window_t terminal() const { return terminalWindow; }
     const Observer& observer() const { return events; }
 
-    /// Returns when the window is active and the desktop has come to rest.
+    // Each returns when the window is active and the desktop has come to rest.
+    void activate(xcb_window_t window);
     void activateOther() { activate(otherWindow); }
     void activateTerminal() { activate(terminalWindow); }
+
+    /// When the terminal has become the active window.
+    std::optional<Instant> waitForTerminal(Instant deadline) const;
 
     /// Presses the shortcut while our own window is active, until the terminal's is: how long that
     /// took, in milliseconds; nothing when there was no answer. The key is held until then, as by a
@@ -42,7 +46,6 @@ public:
     void press(const std::string& key);
 
 private:
-    void activate(xcb_window_t window);
     bool isActive(const xcb_generic_event_t& event, xcb_window_t window) const;
 
     test::XSession desktop;

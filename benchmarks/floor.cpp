@@ -9,8 +9,12 @@
 //
 // moves WINDOW, which no window manager may hold, sideways by one request each 1/60 s for 160 ms:
 // DISTANCE to the left and back in turn. What such a slide loses, the machine lost.
-// It ends on any signal, or with the server.
+//
+//   quorvel-bench-floor sleep
+//
+// is connected, and sleeps. It ends on any signal, or with the server.
 
+#include <poll.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -83,9 +87,22 @@ void slide(xcb_connection_t* connection, xcb_window_t window, int from, int to) 
     close(timer);
 }
 
+/// Nothing was asked for; a change of the keyboard is told all the same.
+int sleepForever() {
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    while (!xcb_connection_has_error(connection)) {
+        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
+        }
+        pollfd server{xcb_get_file_descriptor(connection), POLLIN, 0};
+        poll(&server, 1, -1);
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    if (argumentCount == 2 && std::string_view(arguments[1]) == "sleep") return sleepForever();
     if (argumentCount < 4) return 2;
     const bool slides = std::string_view(arguments[1]) == "slide";
     if (slides != (argumentCount == 5)) return 2;

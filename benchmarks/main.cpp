@@ -1,7 +1,7 @@
 // Prints one table: each figure beside its baseline from the same run. The baselines are the least
 // that a program can do (floor.cpp) and a well-known hot-key daemon.
 //
-//   quorvel-bench PROGRAM FLOOR [residents|starts|slides|NAME …]
+//   quorvel-bench PROGRAM FLOOR [residents|starts|rest|polls|dwells|slides|NAME …]
 //
 // measures all, or only the parts that are named; NAME is a window manager to slide under.
 
@@ -30,7 +30,10 @@ struct Part {
 
 std::vector<Part> allParts() {
     std::vector<Part> parts{{"residents", "residents", measureResidents},
-                            {"starts", "starts", measureStarts}};
+                            {"starts", "starts", measureStarts},
+                            {"rest", "rest", measureRest},
+                            {"polls", "polls", [](const Contestants&) { return measurePolls(); }},
+                            {"dwells", "dwells", measureDwells}};
     for (const auto kind : quorvel::test::allWindowManagers()) {
         parts.push_back({"slides", quorvel::test::nameOf(kind),
                          [kind](const Contestants& all) { return measureSlides(all, kind); }});
@@ -52,7 +55,8 @@ std::string machine() {
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> given(arguments, arguments + argumentCount);
     if (given.size() < 3) {
-        std::cerr << "usage: quorvel-bench PROGRAM FLOOR [residents|starts|slides|NAME …]\n";
+        std::cerr << "usage: quorvel-bench PROGRAM FLOOR "
+                     "[residents|starts|rest|polls|dwells|slides|NAME …]\n";
         return 2;
     }
     const Contestants contestants{given[1], given[2]};
@@ -75,7 +79,8 @@ int main(int argumentCount, char** arguments) {
                   << " before, " << machine().substr(machine().find("load")) << " after, "
                   << text(milliseconds(Clock::now() - start) / 1000, 0) << " s.\n\n"
                   << table(rows)
-                  << "\nfloor: a bare xcb program that does only this. sxhkd runs `wmctrl -xa`. "
+                  << "\nfloor: a bare xcb program that does only this; of a dwell, its time. sxhkd "
+                     "runs `wmctrl -xa`. "
                      "MB are millions of bytes.\n";
     } catch (const std::exception& failure) {
         std::cerr << "quorvel-bench: " << failure.what() << '\n';
