@@ -71,13 +71,19 @@ void HeldFrames::remove(xcb_window_t client) {
 void HeldFrames::invalidate(xcb_window_t client) {
     if (const auto found = entries.find(client); found != entries.end()) {
         found->second.isKnown = false;
+        found->second.observation = 0;
     }
 }
 
 void HeldFrames::ask() {
+    ++observations;
     std::vector<xcb_window_t> unknown;
-    for (const auto& [client, entry] : entries) {
-        if (!entry.isKnown) unknown.push_back(client);
+    for (auto& [client, entry] : entries) {
+        if (entry.isKnown) {
+            entry.observation = observations;
+        } else {
+            unknown.push_back(client);
+        }
     }
     questions = frames.ask(unknown);
 }
@@ -89,6 +95,7 @@ void HeldFrames::take() {
         if (found == entries.end()) continue;
         Entry& entry = found->second;
         entry.reading = judged(question.client, entry, std::move(reading));
+        entry.observation = observations;
         // Known only from the moment on at which the server tells of every change of it.
         const bool isWatched = !entry.reading || clients.contains(entry.reading->frame);
         entry.isKnown = isWatched && !question.parents.empty() && !entry.unsettledSince;
@@ -124,7 +131,7 @@ std::optional<WindowReading> HeldFrames::read(xcb_window_t client) {
 
 std::optional<std::optional<WindowReading>> HeldFrames::known(xcb_window_t client) const {
     const auto found = entries.find(client);
-    if (found == entries.end() || !found->second.isKnown) return std::nullopt;
+    if (found == entries.end() || found->second.observation != observations) return std::nullopt;
     return found->second.reading;
 }
 

@@ -30,8 +30,8 @@ public:
     void ask();
     void take();
 
-    /// What `take` has found, until the next event about the window. Outer: not known. Inner: the
-    /// window is gone.
+    /// What the last `ask` and `take` have found. Outer: not known, or changed by us since. Inner:
+    /// the window is gone.
     std::optional<std::optional<WindowReading>> known(xcb_window_t client) const;
     /// Asks the server at once, about any window. Nothing when it is gone.
     std::optional<WindowReading> read(xcb_window_t client);
@@ -51,6 +51,7 @@ private:
         std::optional<WindowReading> settled;
         std::optional<Clock::time_point> unsettledSince;
         bool isKnown = false;
+        std::uint64_t observation = 0;  ///< the last one that it was part of
         /// Of the request that the reading answers: events up to there are part of it.
         std::uint32_t sequence = 0;
     };
@@ -65,6 +66,7 @@ private:
     std::unordered_map<xcb_window_t, Entry> entries;         ///< by client
     std::unordered_map<xcb_window_t, xcb_window_t> clients;  ///< of their frames
     std::vector<FrameReader::Question> questions;
+    std::uint64_t observations = 0;
     Subscribers<> changes;
     Subscription arrivals;
     Subscription events;

@@ -36,6 +36,8 @@ X11PollTimers::X11PollTimers(XConnection& x, RunLoop& runLoop, X11Pointer& point
       displays(screens.onChange([this] { heldWindowsChanged(); })) {}
 
 std::optional<PointerState> X11PollTimers::beginObservation() {
+    // What has happened so far belongs to this observation, what happens during it to the next.
+    x.readPending();
     windows.askForHeldFrames();
     const PointerState seen = pointer.observe();
     windows.takeHeldFrames();
