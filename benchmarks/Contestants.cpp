@@ -7,6 +7,8 @@
 #include <regex>
 #include <stdexcept>
 
+#include "benchmarks/Figures.hpp"
+
 namespace quorvel::bench {
 namespace {
 
@@ -83,6 +85,16 @@ test::ChildProcess Contestants::startSlidingFloor(Stage& stage, xcb_window_t win
                                                   int distance) const {
     return stage.session().start(
         {floor.string(), "slide", std::to_string(window), keysymY, std::to_string(distance)});
+}
+
+test::ChildProcess Contestants::startDwellingFloor(Stage& stage, const Rect& area,
+                                                   int dwell) const {
+    std::vector<std::string> arguments{floor.string(), "dwell", dwellProperty};
+    for (const double number : {area.x, area.y, area.width, area.height}) {
+        arguments.push_back(text(number, 0));
+    }
+    arguments.push_back(std::to_string(dwell));
+    return stage.session().start(arguments);
 }
 
 test::ChildProcess Contestants::startSleepingFloor(Stage& stage) const {

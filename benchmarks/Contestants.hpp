@@ -44,6 +44,11 @@ struct Contestants {
     /// Control+Alt+Y slides `window` by `distance` pixels to the left, and back the next time.
     test::ChildProcess startSlidingFloor(Stage& stage, xcb_window_t window, int distance) const;
 
+    /// Watches for a pointer that rests in the area for so many milliseconds, with as many looks as
+    /// the program makes, and then changes this property of the root window.
+    static constexpr const char* dwellProperty = "_QUORVEL_BENCH_DWELL";
+    test::ChildProcess startDwellingFloor(Stage& stage, const Rect& area, int dwell) const;
+
     /// Nothing but a connection to the server that it sleeps on.
     test::ChildProcess startSleepingFloor(Stage& stage) const;
 

@@ -57,12 +57,6 @@ void Stage::activate(xcb_window_t window) {
     events.settle(restBetween);
 }
 
-std::optional<Instant> Stage::waitForTerminal(Instant deadline) const {
-    return events.waitFor(
-        [&](const xcb_generic_event_t& event, Instant) { return isActive(event, terminalWindow); },
-        deadline);
-}
-
 std::optional<double> Stage::answer() {
     test::XInput& input = desktop.input();
     input.press("Control");
@@ -70,7 +64,9 @@ std::optional<double> Stage::answer() {
     events.settle(1ms);
     const Instant pressed = Clock::now();
     input.press(key);
-    const auto answered = waitForTerminal(pressed + answerLimit);
+    const auto answered =
+        events.waitFor([&](const xcb_generic_event_t& event, Instant) { return isAnswer(event); },
+                       pressed + answerLimit);
     input.releaseAll();
     if (!answered) return std::nullopt;
     return milliseconds(*answered - pressed);

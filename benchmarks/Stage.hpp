@@ -29,8 +29,10 @@ public:
     void activateOther() { activate(otherWindow); }
     void activateTerminal() { activate(terminalWindow); }
 
-    /// When the terminal has become the active window.
-    std::optional<Instant> waitForTerminal(Instant deadline) const;
+    /// The event tells that the terminal has become the active window.
+    bool isAnswer(const xcb_generic_event_t& event) const {
+        return isActive(event, terminalWindow);
+    }
 
     /// Presses the shortcut while our own window is active, until the terminal's is: how long that
     /// took, in milliseconds; nothing when there was no answer. The key is held until then, as by a

@@ -10,6 +10,11 @@
 // moves WINDOW, which no window manager may hold, sideways by one request each 1/60 s for 160 ms:
 // DISTANCE to the left and back in turn. What such a slide loses, the machine lost.
 //
+//   quorvel-bench-floor dwell PROPERTY X Y WIDTH HEIGHT MILLISECONDS
+//
+// looks at the pointer each 1/15 s. Once it has been there for so long, PROPERTY of the root window
+// is changed, and again only after it has left.
+//
 //   quorvel-bench-floor sleep
 //
 // is connected, and sleeps. It ends on any signal, or with the server.
@@ -67,12 +72,17 @@ void activate(xcb_connection_t* connection, xcb_window_t root, xcb_atom_t reques
     xcb_flush(connection);
 }
 
+int makeTimer(int perSecond) {
+    const int timer = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC);
+    const timespec span{0, 1'000'000'000 / perSecond};
+    const itimerspec setting{span, span};
+    timerfd_settime(timer, 0, &setting, nullptr);
+    return timer;
+}
+
 void slide(xcb_connection_t* connection, xcb_window_t window, int from, int to) {
     using namespace std::chrono_literals;
-    const int timer = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC);
-    const timespec frame{0, 1'000'000'000 / 60};
-    const itimerspec setting{frame, frame};
-    timerfd_settime(timer, 0, &setting, nullptr);
+    const int timer = makeTimer(60);
     const auto start = std::chrono::steady_clock::now();
     double fraction = 0;
     while (fraction < 1) {
@@ -85,6 +95,47 @@ void slide(xcb_connection_t* connection, xcb_window_t window, int from, int to) 
         xcb_flush(connection);
     }
     close(timer);
+}
+
+int dwell(char** arguments) {
+    using Clock = std::chrono::steady_clock;
+    const std::string_view property = arguments[0];
+    const int x = number<int>(arguments[1]);
+    const int y = number<int>(arguments[2]);
+    const int width = number<int>(arguments[3]);
+    const int height = number<int>(arguments[4]);
+    const std::chrono::milliseconds limit(number<int>(arguments[5]));
+
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    if (xcb_connection_has_error(connection)) return 1;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        connection,
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(property.size()),
+                        property.data()),
+        nullptr));
+    const int timer = makeTimer(15);
+    bool wasInside = false;
+    bool hasFired = false;
+    Clock::time_point since;
+    while (true) {
+        std::uint64_t expired = 0;
+        if (read(timer, &expired, sizeof expired) != sizeof expired) continue;
+        const Reply<xcb_query_pointer_reply_t> at(
+            xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+        if (!at || !atom) return 1;
+        const bool isInside =
+            at->root_x >= x && at->root_x < x + width && at->root_y >= y && at->root_y < y + height;
+        const auto now = Clock::now();
+        if (!isInside) hasFired = false;
+        if (isInside && !wasInside) since = now;
+        wasInside = isInside;
+        if (!isInside || hasFired || now - since < limit) continue;
+        hasFired = true;
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, root, atom->atom, XCB_ATOM_CARDINAL,
+                            32, 0, nullptr);
+        xcb_flush(connection);
+    }
 }
 
 /// Nothing was asked for; a change of the keyboard is told all the same.
@@ -103,6 +154,9 @@ int sleepForever() {
 
 int main(int argumentCount, char** arguments) {
     if (argumentCount == 2 && std::string_view(arguments[1]) == "sleep") return sleepForever();
+    if (argumentCount == 8 && std::string_view(arguments[1]) == "dwell") {
+        return dwell(arguments + 2);
+    }
     if (argumentCount < 4) return 2;
     const bool slides = std::string_view(arguments[1]) == "slide";
     if (slides != (argumentCount == 5)) return 2;

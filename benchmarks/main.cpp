@@ -79,7 +79,7 @@ int main(int argumentCount, char** arguments) {
                   << " before, " << machine().substr(machine().find("load")) << " after, "
                   << text(milliseconds(Clock::now() - start) / 1000, 0) << " s.\n\n"
                   << table(rows)
-                  << "\nfloor: a bare xcb program that does only this; of a dwell, its time. sxhkd "
+                  << "\nfloor: a bare xcb program that does only this. sxhkd "
                      "runs `wmctrl -xa`. "
                      "MB are millions of bytes.\n";
     } catch (const std::exception& failure) {
