@@ -180,10 +180,8 @@ Recipe prepare(WindowManagerKind kind, const ScratchFolder& folder) {
         }
         case WindowManagerKind::fluxbox: {
             // Or it tells in a window of its own that nothing is there to set a background with.
-            const auto overlay = folder.write("fluxbox/overlay", "background: none\n");
-            const auto file = folder.write(
-                "fluxbox/init",
-                std::string(fluxboxInit) + "session.styleOverlay: " + overlay.string() + "\n");
+            folder.write("home/.fluxbox/overlay", "background: none\n");
+            const auto file = folder.write("fluxbox/init", fluxboxInit);
             folder.write("fluxbox/keys", "");
             return {{"fluxbox", "-no-toolbar", "-no-slit", "-rc", file.string()}, {}};
         }
