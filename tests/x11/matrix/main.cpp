@@ -78,6 +78,12 @@ void printPage(const std::vector<WindowManagerKind>& kinds, const std::vector<Ce
     for (std::size_t i = 0; i < reasons.size(); ++i) {
         std::cout << i + 1 << ". " << reasons[i] << "\n";
     }
+    std::cout
+        << "\nA window of which more than two pixels stay on the screen is one that its window "
+           "manager keeps\nthere and paints where it believes it to be, so that it cannot be "
+           "moved past it. Quorvel says so\nin its log and leaves the window where it is. "
+           "Metacity and Marco were tried without compositing;\nMetacity with it does as "
+           "Mutter does.\n";
 }
 
 }  // namespace
