@@ -130,6 +130,12 @@ private:
 
     std::set<std::string> hidden;
     std::set<std::string> perhapsHidden;  ///< hidden or shown, by what the log says
+    /// One that has been in front since, and was hidden again by its shortcut, is another matter.
+    Subscription activations = sim.applications.onActivated([this](const auto& application) {
+        if (!application.bundlePath) return;
+        hidden.erase(*application.bundlePath);
+        perhapsHidden.erase(*application.bundlePath);
+    });
 };
 
 }  // namespace quorvel
