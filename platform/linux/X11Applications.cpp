@@ -73,7 +73,11 @@ std::optional<RunningApplication> X11Applications::applicationWithProcessIdentif
 }
 
 std::optional<RunningApplication> X11Applications::frontmostApplication() const {
-    if (const auto front = currentFront()) return front->application;
+    // A shortcut is answered as soon as it is read, perhaps before what came with it: it must not
+    // hide what has just gone behind another.
+    const xcb_window_t active = clients.activeNow();
+    if (active != clients.active() && active != XCB_WINDOW_NONE) clients.refresh({active});
+    if (const auto front = frontOf(active)) return front->application;
     renameFront();
     if (reported && isStillThere(*reported)) return reported->application;
     return std::nullopt;
@@ -184,8 +188,7 @@ bool X11Applications::areHidden(const std::vector<xcb_window_t>& windows) const 
 
 /// Nothing while it cannot be told from the active window: there is none, or it is no
 /// application's.
-std::optional<X11Applications::Front> X11Applications::currentFront() const {
-    const xcb_window_t active = clients.active();
+std::optional<X11Applications::Front> X11Applications::frontOf(xcb_window_t active) const {
     const ClientWindow* client = clients.find(active);
     if (client == nullptr || client->kind == ClientWindow::Kind::furniture) return std::nullopt;
     if (hider.isHidden(active)) return std::nullopt;
@@ -215,7 +218,7 @@ void X11Applications::follow() {
         });
     }
     renameFront();
-    if (auto front = currentFront()) {
+    if (auto front = frontOf(clients.active())) {
         ++frontChanges;
         report(std::move(front));
         return;
@@ -225,7 +228,8 @@ void X11Applications::follow() {
     runLoop.after(deactivationDelay, [this, alive = life.watch(), since = frontChanges] {
         if (alive.expired()) return;
         if (waitingSince == since) waitingSince.reset();
-        if (since == frontChanges && !currentFront() && !keepsFront()) report(std::nullopt);
+        if (since == frontChanges && !frontOf(clients.active()) && !keepsFront())
+            report(std::nullopt);
     });
 }
 

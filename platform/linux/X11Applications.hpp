@@ -67,7 +67,8 @@ private:
     /// once more where nothing has got it in the end.
     void bringForward(const std::vector<xcb_window_t>& others, xcb_window_t main);
     bool areHidden(const std::vector<xcb_window_t>& windows) const;
-    std::optional<Front> currentFront() const;
+    /// Nothing where that window puts no application in front.
+    std::optional<Front> frontOf(xcb_window_t active) const;
     bool isStillThere(const Front& front) const;
     bool keepsFront() const;
     void followSoon();

@@ -31,6 +31,13 @@ protected:
         const auto application = applications.frontmostApplication();
         return application ? application->bundlePath.value_or("(no path)") : "";
     }
+    /// Once another application has come to the front and this one was hidden.
+    bool isHiddenBehindAnother(const RunningApplication& application) {
+        rig->openWindow(paint, right);
+        if (!becomesFront(paint)) return false;
+        applications.hide(application);
+        return rig->until([&] { return applications.isHidden(application); });
+    }
     bool becomesFront(const std::string& path) {
         return rig->until([&] { return front() == path; });
     }
@@ -138,11 +145,7 @@ TEST_P(ApplicationsContract, UnhidingShowsWhatHidingHid) {
 TEST_P(ApplicationsContract, OneWindowThatComesToTheFrontBringsTheOthersBack) {
     const Rig::Window first = rig->openWindow(notes, left);
     const Rig::Window second = rig->openWindow(notes, right);
-    const RunningApplication application = awaited(notes);
-    rig->openWindow(paint, right);
-    ASSERT_TRUE(becomesFront(paint));
-    applications.hide(application);
-    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    ASSERT_TRUE(isHiddenBehindAnother(awaited(notes)));
     rig->activate(first);
     ASSERT_TRUE(becomesFront(notes));
     EXPECT_TRUE(rig->until([&] { return rig->isShown(second); }));
@@ -385,10 +388,7 @@ TEST_P(IconicApplicationsContract, WhatTheUserBroughtBackAndIconifiedIsTheUsersD
     const Rig::Window usersOwn = rig->openWindow(notes, left);
     const Rig::Window hidden = rig->openWindow(notes, right);
     const RunningApplication application = awaited(notes);
-    rig->openWindow(paint, right);
-    ASSERT_TRUE(becomesFront(paint));
-    applications.hide(application);
-    ASSERT_TRUE(rig->until([&] { return applications.isHidden(application); }));
+    ASSERT_TRUE(isHiddenBehindAnother(application));
     rig->activate(usersOwn);
     ASSERT_TRUE(rig->until([&] { return rig->isShown(hidden) && rig->isActive(usersOwn); }));
     ASSERT_TRUE(rig->never([&] { return !rig->isActive(usersOwn); }, 600ms));

@@ -129,8 +129,12 @@ public:
         const auto application = applications().frontmostApplication();
         return application ? application->bundlePath.value_or("(no path)") : "";
     }
+    /// And all that the server told before is handed out.
     bool becomesFront(const std::string& path) {
-        return until([&] { return front() == path; });
+        if (!until([&] { return front() == path; })) return false;
+        while (g_main_context_iteration(nullptr, FALSE)) {
+        }
+        return true;
     }
     /// Opens and waits for the completion: the error, or nothing.
     std::optional<std::string> opened(const std::string& path) {

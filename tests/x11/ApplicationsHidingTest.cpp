@@ -132,7 +132,7 @@ TEST_P(ApplicationsOnWindowManager, EndOfAnotherWindowDoesNotShowAHiddenOne) {
     const xcb_window_t window = open("A");
     ASSERT_TRUE(becomesFront(path));
     applications().hide(awaited(path));
-    ASSERT_TRUE(until([&] { return isOutOfSight(window) && front() == otherPath; }));
+    ASSERT_TRUE(until([&] { return isOutOfSight(window); }) && becomesFront(otherPath));
     client().destroy(other);
     EXPECT_TRUE(until([&] { return front() == ""; }));
     EXPECT_TRUE(never([&] { return !isOutOfSight(window); }));

@@ -211,6 +211,27 @@ TEST_F(ApplicationsTest, AWindowOfOursMakesUsFront) {
     EXPECT_EQ(applications().frontmostApplication()->processIdentifier, getpid());
 }
 
+TEST_F(ApplicationsTest, FrontIsKnownBeforeItsEventIsHandedOut) {
+    const std::string red = installClass("Red");
+    const std::string blue = installClass("Blue");
+    const xcb_window_t first = open("Red");
+    open("Blue");
+    ASSERT_TRUE(becomesFront(blue));
+    probe().activate(first);
+    // The loop does not turn meanwhile, as on a machine that is busy with others.
+    ASSERT_TRUE(waitUntil([&] { return probe().activeWindow() == first; }));
+    EXPECT_EQ(applications().frontmostApplication()->bundlePath, red);
+    ASSERT_TRUE(becomesFront(red));
+
+    // An iconic window that comes forward is in front as well.
+    probe().iconify(first);
+    ASSERT_TRUE(becomesFront(blue));
+    probe().activate(first);
+    ASSERT_TRUE(
+        waitUntil([&] { return probe().activeWindow() == first && !probe().isIconic(first); }));
+    EXPECT_EQ(applications().frontmostApplication()->bundlePath, red);
+}
+
 TEST_F(ApplicationsTest, NoActiveWindowForAMomentIsNoDeactivation) {
     const std::string path = installClass("A");
     const xcb_window_t window = open("A");
