@@ -22,6 +22,7 @@
 #include "platform/linux/XConnection.hpp"
 #include "platform/linux/XdgFolders.hpp"
 #include "platform/linux/XdgLoginItem.hpp"
+#include "platform/linux/status/SessionBus.hpp"
 
 namespace quorvel {
 namespace {
@@ -81,6 +82,9 @@ int run(int argc, char** argv) {
     const auto x = native::XConnection::open("", reason);
     if (!x) {
         log.line("Quorvel: cannot start — " + reason);
+        if (!native::SessionBus::address()) {
+            log.line("Quorvel: the system refused to create a status item button.");
+        }
         return EXIT_FAILURE;
     }
     const Subscription lost = x->onLost([&log] { endWithoutServer(log); });
@@ -89,9 +93,13 @@ int run(int argc, char** argv) {
         if (x->isLost()) endWithoutServer(log);
     };
 
-    const native::SingleInstance instance(*x);
+    native::SingleInstance instance(*x);
     endIfServerIsGone();
-    if (!instance.isFirst()) return EXIT_SUCCESS;
+    if (!instance.isFirst()) {
+        // A click on the launcher of a program that runs already.
+        instance.callFirst();
+        return EXIT_SUCCESS;
+    }
 
     LoadedInterface interface(
         native::SharedModule(interfaceModuleName, moduleFolders(executable), log), log);
@@ -102,7 +110,15 @@ int run(int argc, char** argv) {
             closed();
         }
     };
-    native::X11Desktop platform(*x, folders, log, files, loginItem, prompt);
+    const auto popUpMenu = [&interface, &log](const Menu& menu) {
+        if (Interface* const shown = interface.get()) {
+            shown->popUpMenu(menu);
+        } else {
+            log.line("Quorvel: menu not shown — the interface is missing");
+        }
+    };
+    native::X11Desktop platform(*x, folders, executable, log, files, loginItem,
+                                {prompt, popUpMenu});
     const Desktop desktop = platform.desktop();
     interface.setHost({desktop,
                        [&platform](std::uint64_t window) { platform.bringToFront(window); },
@@ -111,6 +127,9 @@ int run(int argc, char** argv) {
     Application application(desktop.runLoop);
     LauncherController controller(desktop, application, [&interface] { return interface.get(); });
     application.setDelegate(controller);
+    const Subscription calls = instance.onCall([&desktop, &controller] {
+        desktop.runLoop.async([&controller] { controller.openSettings(); });
+    });
     return application.run();
 }
 

@@ -11,6 +11,7 @@
 #include "platform/PollTimers.hpp"
 #include "platform/RunLoop.hpp"
 #include "platform/Screens.hpp"
+#include "platform/StatusBar.hpp"
 #include "platform/Trust.hpp"
 #include "platform/WindowAccess.hpp"
 
@@ -32,6 +33,7 @@ struct Desktop {
     WindowAccess& windows;
     Trust& trust;
     LoginItemService& loginItem;
+    StatusBar& statusBar;
 };
 
 }  // namespace quorvel

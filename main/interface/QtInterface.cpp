@@ -1,8 +1,10 @@
 #include "main/interface/QtInterface.hpp"
 
+#include <QCursor>
 #include <utility>
 
 #include "main/interface/AlertBox.hpp"
+#include "main/interface/PopUpMenu.hpp"
 
 namespace quorvel {
 
@@ -35,6 +37,11 @@ void QtInterface::showSettings() {
         settingsWindowController = std::make_unique<SettingsWindowController>(front);
     }
     settingsWindowController->show();
+}
+
+void QtInterface::popUpMenu(const Menu& shown) {
+    menu = makePopUpMenu(shown);
+    menu->popup(QCursor::pos());
 }
 
 void QtInterface::showPrompt(const std::string& reason, std::function<void()> closed) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMenu>
 #include <QMessageBox>
 #include <memory>
 
@@ -20,6 +21,7 @@ public:
     int runAlert(const Alert& alert) override;
     void dismissAlert() override;
     void showSettings() override;
+    void popUpMenu(const Menu& menu) override;
     void showPrompt(const std::string& reason, std::function<void()> closed) override;
 
 private:
@@ -30,6 +32,7 @@ private:
     FrontWindow front;
     QMessageBox* alertBox = nullptr;  ///< while an alert is up
     std::unique_ptr<QMessageBox> prompt;
+    std::unique_ptr<QMenu> menu;
     std::unique_ptr<SettingsWindowController> settingsWindowController;
 };
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/StatusBar.hpp"
+
 namespace quorvel {
 
 /// A warning that must be answered. The first button is the default, the last one is what Escape
@@ -34,6 +36,9 @@ public:
 
     /// Opens the settings window, or brings it to the front.
     virtual void showSettings() = 0;
+
+    /// Opens the menu at the pointer and goes on at once. A menu that is still open closes.
+    virtual void popUpMenu(const Menu& menu) = 0;
 
     /// Says why windows cannot be moved, and goes on at once. `closed` is called from the loop when
     /// the user has put the message away.

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
 
 #include "main/settings/Displays.hpp"
 #include "main/settings/Placement.hpp"
+#include "main/shell/ProcessValues.hpp"
+#include "main/tucking/AXPermission.hpp"
 #include "main/tucking/AXWindows.hpp"
 #include "main/tucking/TuckAnimationStyle.hpp"
 #include "platform/Text.hpp"
@@ -44,12 +47,17 @@ LauncherController::LauncherController(const Desktop& desktop, Application& appl
                         {desktop.pollTimers, desktop.pointer, desktop.runLoop, desktop.log}) {}
 
 void LauncherController::applicationDidFinishLaunching() {
+    if (!createStatusItem()) {
+        desktop.log.line("Quorvel: the system refused to create a status item button.");
+        application.exit(EXIT_FAILURE);
+        return;
+    }
     reloadFromSettings();
     edgeRevealWatcher.start();
     observeDesktop();
 
     sigTermSource = desktop.runLoop.onTerminationSignal([this, alive = life.watch()] {
-        if (!alive.expired()) handleTerminationSignal();
+        if (!alive.expired()) quitLauncher();
     });
 
     desktop.log.line(formatted("Quorvel: ready — %d app(s) bound", activeBindings.size()));
@@ -60,6 +68,48 @@ void LauncherController::applicationDidFinishLaunching() {
         desktop.log.line("Quorvel: no apps bound; opening Settings");
         openSettings();
     }
+}
+
+bool LauncherController::createStatusItem() {
+    statusItem = desktop.statusBar.makeStatusItem();
+    if (!statusItem) return false;
+    if (!statusItem->setApplicationIcon(menuBarIconSize)) statusItem->setTitle("◍");
+    statusItem->setToolTip("Quorvel");
+    statusItem->setAccessibilityLabel("Quorvel");
+    statusItem->setAction([this](const StatusItemEvent& event) { statusItemClicked(event); });
+    statusItem->setMenu([this] { return statusMenu(); });
+    return true;
+}
+
+void LauncherController::statusItemClicked(const StatusItemEvent& event) {
+    if (event.type == StatusItemEvent::Type::rightMouseUp || event.control) {
+        statusItem->popUpMenu(statusMenu());
+    } else {
+        openSettings();
+    }
+}
+
+Menu LauncherController::statusMenu() {
+    // What is chosen while an alert is up waits for its answer, except the way out.
+    const auto later = [this](void (LauncherController::*action)()) {
+        return [this, action] {
+            desktop.runLoop.async([this, action, alive = life.watch()] {
+                if (!alive.expired()) (this->*action)();
+            });
+        };
+    };
+    Menu menu{{"Settings…", later(&LauncherController::openSettings), ","}};
+    if (!desktop.trust.isTrusted()) {
+        menu.push_back({"Enable Tuck (needs Accessibility)…",
+                        later(&LauncherController::requestAccessibility)});
+    }
+    menu.push_back(MenuItem::separator());
+    menu.push_back({"Quit Quorvel", [this] { quitLauncher(); }, "q"});
+    return menu;
+}
+
+void LauncherController::requestAccessibility() {
+    AXPermission::promptAndOpenSettings(desktop.trust);
 }
 
 /// Nothing is done while others are still being told: each deed waits for the next turn.
@@ -111,7 +161,7 @@ void LauncherController::applicationWillTerminate() {
     tuckController.untuckAll();
 }
 
-void LauncherController::handleTerminationSignal() {
+void LauncherController::quitLauncher() {
     // The alert's own loop must come to an end before anything that is queued can run.
     alerts.endAll();
     desktop.runLoop.async([this, alive = life.watch()] {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -46,6 +47,12 @@ public:
     /// Shows the settings window; a line in the log where the interface is missing.
     void openSettings();
 
+    /// Says why windows cannot be moved, where that is so.
+    void requestAccessibility();
+
+    /// Ends the program in the orderly way, whatever waits for an answer.
+    void quitLauncher();
+
     /// The deed behind every trigger of a bound application.
     void activateOrTuck(const std::string& appPath, const std::string& edgeHintRaw);
 
@@ -66,10 +73,12 @@ public:
     void applyAllHotZones(int dwellMs);
 
 private:
+    bool createStatusItem();
+    void statusItemClicked(const StatusItemEvent& event);
+    Menu statusMenu();
     void observeDesktop();
     void applicationDeactivated(const std::string& appPath, std::int32_t pid);
     void applicationActivated(const std::string& appPath);
-    void handleTerminationSignal();
     void handleHotKey(std::uint32_t id);
     std::string edgeHintUnderPointer(const std::string& appPath) const;
     std::optional<std::string> placedEdgeRaw(const std::string& appPath,
@@ -79,6 +88,7 @@ private:
     Application& application;
     InterfaceProvider interface;
 
+    std::unique_ptr<StatusItem> statusItem;  ///< from the launch on
     Settings settings;
     TuckController tuckController;
     std::vector<AppBinding> activeBindings;  ///< in the stored order; shortcut ids count along it

@@ -2,10 +2,12 @@
 
 #include <utility>
 
+#include "platform/linux/status/IconFiles.hpp"
+
 namespace quorvel::native {
 
-X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, Log& log, PosixFiles& files,
-                       XdgLoginItem& loginItem, X11Trust::Prompt prompt)
+X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, const std::string& executable,
+                       Log& log, PosixFiles& files, XdgLoginItem& loginItem, Windows shown)
     : x(x),
       log(log),
       files(files),
@@ -22,11 +24,12 @@ X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, Log& log, Posi
       applications(x, runLoop, manager, elements, entries),
       windows(x, elements, manager, applications, [this] { return screens.framesInRoot(); }),
       pollTimers(x, runLoop, pointer, screens, windows),
-      trust(x, X11Trust::isWaylandSession(), std::move(prompt)) {}
+      trust(x, X11Trust::isWaylandSession(), std::move(shown.prompt)),
+      statusBar({x, runLoop, log, iconFolders(executable, folders), std::move(shown.popUpMenu)}) {}
 
 Desktop X11Desktop::desktop() {
-    return {runLoop, log,          defaults, files,   screens, pointer,  pollTimers,
-            hotKeys, applications, catalog,  windows, trust,   loginItem};
+    return {runLoop, log,          defaults, files,   screens, pointer,   pollTimers,
+            hotKeys, applications, catalog,  windows, trust,   loginItem, statusBar};
 }
 
 void X11Desktop::bringToFront(std::uint64_t identifier) const {

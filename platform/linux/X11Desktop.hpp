@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string>
 
 #include "platform/Desktop.hpp"
 #include "platform/linux/DesktopEntries.hpp"
@@ -20,6 +22,7 @@
 #include "platform/linux/XdgApplicationCatalog.hpp"
 #include "platform/linux/XdgFolders.hpp"
 #include "platform/linux/XdgLoginItem.hpp"
+#include "platform/linux/status/PanelStatusBar.hpp"
 
 namespace quorvel::native {
 
@@ -27,8 +30,15 @@ namespace quorvel::native {
 /// another. What it is made over outlives it.
 class X11Desktop {
 public:
-    X11Desktop(XConnection& x, const XdgFolders& folders, Log& log, PosixFiles& files,
-               XdgLoginItem& loginItem, X11Trust::Prompt prompt);
+    /// What the platform has to show in a window, and has none of its own for.
+    struct Windows {
+        X11Trust::Prompt prompt;
+        std::function<void(const Menu&)> popUpMenu;
+    };
+
+    /// `executable` is the absolute path of this program.
+    X11Desktop(XConnection& x, const XdgFolders& folders, const std::string& executable, Log& log,
+               PosixFiles& files, XdgLoginItem& loginItem, Windows shown);
 
     /// Lives as long as this object.
     Desktop desktop();
@@ -57,6 +67,7 @@ private:
     X11WindowAccess windows;
     X11PollTimers pollTimers;
     X11Trust trust;
+    PanelStatusBar statusBar;
 };
 
 }  // namespace quorvel::native

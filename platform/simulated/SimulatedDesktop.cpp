@@ -5,8 +5,8 @@
 namespace quorvel {
 
 Desktop SimulatedDesktop::desktop() {
-    return {runLoop, log,          defaults, files,   screens, pointer,  pollTimers,
-            hotKeys, applications, catalog,  windows, trust,   loginItem};
+    return {runLoop, log,          defaults, files,   screens, pointer,   pollTimers,
+            hotKeys, applications, catalog,  windows, trust,   loginItem, statusBar};
 }
 
 void SimulatedDesktop::install(const std::string& path, const std::string& name) {

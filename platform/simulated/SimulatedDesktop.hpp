@@ -12,6 +12,7 @@
 #include "platform/simulated/SimulatedPollTimers.hpp"
 #include "platform/simulated/SimulatedRunLoop.hpp"
 #include "platform/simulated/SimulatedScreens.hpp"
+#include "platform/simulated/SimulatedStatusBar.hpp"
 #include "platform/simulated/SimulatedTrust.hpp"
 #include "platform/simulated/SimulatedWindowServer.hpp"
 #include "platform/simulated/SimulatedWindows.hpp"
@@ -36,6 +37,7 @@ public:
     SimulatedCatalog catalog;
     SimulatedTrust trust;
     SimulatedLoginItem loginItem;
+    SimulatedStatusBar statusBar;
     SimulatedWindowServer server;
     SimulatedApplications applications{server, runLoop};
     SimulatedWindows windows{server, applications, screens, trust, runLoop};

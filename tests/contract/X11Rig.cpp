@@ -45,13 +45,15 @@ private:
     native::XdgLoginItem loginItem{folders, "/usr/bin/Quorvel"};
     native::X11Desktop native{*connection,
                               folders,
+                              "/usr/bin/Quorvel",
                               log,
                               files,
                               loginItem,
-                              [this](const std::string&, std::function<void()> closed) {
-                                  ++trustPrompts;
-                                  closeTrustPrompt = std::move(closed);
-                              }};
+                              {[this](const std::string&, std::function<void()> closed) {
+                                   ++trustPrompts;
+                                   closeTrustPrompt = std::move(closed);
+                               },
+                               nullptr}};
 };
 
 class X11Rig final : public Rig {

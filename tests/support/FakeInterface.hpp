@@ -16,6 +16,7 @@ public:
     std::vector<Alert> alerts;
     int settingsShown = 0;
     std::vector<std::string> prompts;
+    std::vector<Menu> menus;
     bool alertIsUp = false;
 
     /// Called while the alert is up; returns the index of the button that is pressed.
@@ -33,6 +34,7 @@ public:
 
     void dismissAlert() override { dismissed = true; }
     void showSettings() override { ++settingsShown; }
+    void popUpMenu(const Menu& menu) override { menus.push_back(menu); }
     void showPrompt(const std::string& reason, std::function<void()>) override {
         prompts.push_back(reason);
     }

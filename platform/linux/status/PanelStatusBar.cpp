@@ -1,0 +1,130 @@
+#include "platform/linux/status/PanelStatusBar.hpp"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "platform/linux/status/IconFiles.hpp"
+#include "platform/linux/status/SessionBus.hpp"
+#include "platform/linux/status/StatusNotifierItem.hpp"
+#include "platform/linux/status/TrayWindow.hpp"
+
+namespace quorvel::native {
+namespace {
+
+/// A panel that speaks both brings up its tray first; so that the item does not jump.
+constexpr std::chrono::milliseconds beforeTray{400};
+
+class PanelStatusItem final : public StatusItem {
+public:
+    explicit PanelStatusItem(const PanelStatusBar::Surroundings& surroundings)
+        : surroundings(surroundings),
+          bus(surroundings.runLoop, surroundings.log),
+          busChanges(bus.onChange([this] { busChanged(); })),
+          tray(surroundings.x, surroundings.runLoop, content,
+               [this](const StatusItemEvent& event) { clicked(event); }) {
+        bus.connect();
+    }
+
+    bool setApplicationIcon(Size) override {
+        auto icons = loadIcons(surroundings.iconFolders);
+        if (icons.empty()) return false;
+        content.icons = std::move(icons);
+        content.title.clear();
+        contentChanged();
+        return true;
+    }
+
+    void setTitle(const std::string& title) override {
+        content.title = title;
+        content.icons = {circleWithVerticalFill(22), circleWithVerticalFill(48)};
+        contentChanged();
+    }
+
+    void setToolTip(const std::string& text) override {
+        content.toolTip = text;
+        contentChanged();
+    }
+
+    void setAccessibilityLabel(const std::string& label) override {
+        content.accessibilityLabel = label;
+        contentChanged();
+    }
+
+    void setAction(std::function<void(const StatusItemEvent&)> newAction) override {
+        action = std::move(newAction);
+    }
+
+    void setMenu(std::function<Menu()> newMenu) override { menu = std::move(newMenu); }
+
+    void popUpMenu(const Menu& shown) override { surroundings.popUpMenu(shown); }
+
+private:
+    void contentChanged() {
+        if (notifier) notifier->contentChanged();
+        tray.contentChanged();
+    }
+
+    void busChanged() {
+        if (bus.connection() == nullptr) {
+            notifier.reset();
+        } else if (!notifier) {
+            notifier.emplace(bus.connection(), content,
+                             StatusNotifierItem::Handlers{[this](StatusItemEvent::Type type) {
+                                                              // The protocol does not tell what is
+                                                              // held on the keyboard.
+                                                              clicked({type, isControlHeld()});
+                                                          },
+                                                          [this] { return menu ? menu() : Menu(); },
+                                                          [this] { choosePanel(); }});
+        }
+        choosePanel();
+    }
+
+    void choosePanel() {
+        if (notifier && notifier->isHosted()) {
+            ++choices;
+            tray.setWanted(false);
+            return;
+        }
+        const bool isKnown = bus.isSettled() && (!notifier || notifier->isSettled());
+        if (!isKnown) return;
+        surroundings.runLoop.after(beforeTray, [this, alive = life.watch(), choice = ++choices] {
+            if (!alive.expired() && choice == choices) tray.setWanted(true);
+        });
+    }
+
+    /// From the loop's own turn: the call may come in while an alert spins.
+    void clicked(const StatusItemEvent& event) {
+        surroundings.runLoop.async([this, alive = life.watch(), event] {
+            if (!alive.expired() && action) action(event);
+        });
+    }
+
+    bool isControlHeld() const {
+        const XConnection& x = surroundings.x;
+        const Reply<xcb_query_pointer_reply_t> pointer(
+            xcb_query_pointer_reply(x.xcb(), xcb_query_pointer(x.xcb(), x.root()), nullptr));
+        return pointer && (pointer->mask & XCB_MOD_MASK_CONTROL) != 0;
+    }
+
+    const PanelStatusBar::Surroundings& surroundings;
+    StatusItemContent content;
+    std::function<void(const StatusItemEvent&)> action;
+    std::function<Menu()> menu;
+    SessionBus bus;
+    Subscription busChanges;
+    std::optional<StatusNotifierItem> notifier;
+    TrayWindow tray;
+    int choices = 0;
+    Lifetime life;
+};
+
+}  // namespace
+
+std::unique_ptr<StatusItem> PanelStatusBar::makeStatusItem() {
+    return std::make_unique<PanelStatusItem>(surroundings);
+}
+
+}  // namespace quorvel::native
