@@ -192,24 +192,28 @@ void XProbe::paintRoot(std::uint32_t colour) const {
 }
 
 template <class Predicate>
-std::optional<Rect> XProbe::boundsWhere(Predicate&& counts) const {
+std::optional<Rect> XProbe::boundsWhere(Predicate&& counts, const Rect& area) const {
     const auto size = geometry(client.xcb(), client.root());
     if (!size) return std::nullopt;
-    const XReply<xcb_get_image_reply_t> image(
-        xcb_get_image_reply(client.xcb(),
-                            xcb_get_image(client.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, client.root(), 0,
-                                          0, size->width, size->height, ~0U),
-                            nullptr));
+    const Rect part = area.intersection({0, 0, double(size->width), double(size->height)});
+    const int width = static_cast<int>(part.width);
+    const int height = static_cast<int>(part.height);
+    const XReply<xcb_get_image_reply_t> image(xcb_get_image_reply(
+        client.xcb(),
+        xcb_get_image(client.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, client.root(),
+                      static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(part.y),
+                      static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0U),
+        nullptr));
     if (!image) throw std::runtime_error("the root window cannot be read");
     const std::uint8_t* const bytes = xcb_get_image_data(image.get());
-    int left = size->width;
-    int top = size->height;
+    int left = width;
+    int top = height;
     int right = -1;
     int bottom = -1;
-    for (int y = 0; y < size->height; ++y) {
-        for (int x = 0; x < size->width; ++x) {
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
             std::uint32_t value = 0;
-            std::memcpy(&value, bytes + 4 * (std::ptrdiff_t{y} * size->width + x), 4);
+            std::memcpy(&value, bytes + 4 * (std::ptrdiff_t{y} * width + x), 4);
             if (!counts(value & colourMask)) continue;
             left = std::min(left, x);
             right = std::max(right, x);
@@ -218,7 +222,7 @@ std::optional<Rect> XProbe::boundsWhere(Predicate&& counts) const {
         }
     }
     if (right < 0) return std::nullopt;
-    return Rect{double(left), double(top), double(right - left + 1), double(bottom - top + 1)};
+    return Rect{part.x + left, part.y + top, double(right - left + 1), double(bottom - top + 1)};
 }
 
 std::optional<Rect> XProbe::boundsOfAllBut(std::uint32_t colour) const {
@@ -227,6 +231,20 @@ std::optional<Rect> XProbe::boundsOfAllBut(std::uint32_t colour) const {
 
 std::optional<Rect> XProbe::boundsOf(std::uint32_t colour) const {
     return boundsWhere([colour](std::uint32_t value) { return value == colour; });
+}
+
+std::optional<Rect> XProbe::boundsOfColoursNear(std::uint32_t colour, int tolerance,
+                                                const Rect& area) const {
+    const auto isNear = [=](std::uint32_t value) {
+        for (int shift = 0; shift < 24; shift += 8) {
+            const auto channel = [shift](std::uint32_t of) {
+                return static_cast<int>(of >> shift & 0xFF);
+            };
+            if (std::abs(channel(value) - channel(colour)) > tolerance) return false;
+        }
+        return true;
+    };
+    return boundsWhere(isNear, area);
 }
 
 std::uint32_t XProbe::pixel(int x, int y) const {

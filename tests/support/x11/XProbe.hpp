@@ -55,6 +55,9 @@ public:
     std::optional<Rect> boundsOfAllBut(std::uint32_t colour) const;
     /// Around all pixels of this colour.
     std::optional<Rect> boundsOf(std::uint32_t colour) const;
+    /// Around all pixels inside `area` whose red, green and blue differ by `tolerance` at most.
+    std::optional<Rect> boundsOfColoursNear(std::uint32_t colour, int tolerance,
+                                            const Rect& area) const;
     /// A picture of the whole screen (PNG); throws when it cannot be made.
     void screenshot(const std::filesystem::path& file) const;
 
@@ -69,7 +72,8 @@ public:
 private:
     xcb_timestamp_t serverTime() const;
     template <class Predicate>
-    std::optional<Rect> boundsWhere(Predicate&& counts) const;
+    std::optional<Rect> boundsWhere(Predicate&& counts, const Rect& area = everything) const;
+    static constexpr Rect everything{0, 0, 1e6, 1e6};
 
     std::string displayName;
     XClient client;
