@@ -25,7 +25,8 @@ X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, const std::str
       windows(x, elements, manager, applications, [this] { return screens.framesInRoot(); }),
       pollTimers(x, runLoop, pointer, screens, windows),
       trust(x, X11Trust::isWaylandSession(), std::move(shown.prompt)),
-      statusBar({x, runLoop, log, iconFolders(executable, folders), std::move(shown.popUpMenu)}) {}
+      statusBar({x, runLoop, log, manager, iconFolders(executable, folders),
+                 std::move(shown.popUpMenu)}) {}
 
 Desktop X11Desktop::desktop() {
     return {runLoop, log,          defaults, files,   screens, pointer,   pollTimers,

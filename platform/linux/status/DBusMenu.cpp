@@ -187,7 +187,6 @@ ExportedObject::Description DBusMenu::description() {
          {"IconThemePath", [] { return g_variant_new_strv(nullptr, 0); }}}};
 }
 
-/// Whether the entries are others than before.
 bool DBusMenu::update() {
     Menu now = menu();
     const bool isUnchanged =

@@ -19,6 +19,10 @@ public:
 
     DBusMenu(GDBusConnection* connection, std::function<Menu()> menu);
 
+    /// Asks for the entries anew and tells the panels where they are others than before; gives
+    /// whether they are. For panels that show what they know and ask only then.
+    bool update();
+
 private:
     struct Entry {
         std::int32_t id = 0;
@@ -27,7 +31,6 @@ private:
     using Failure = ExportedObject::Failure;
 
     ExportedObject::Description description();
-    bool update();
     const Entry* find(std::int32_t id) const;
     GVariant* layout(GVariant* arguments, Failure& failure);
     GVariant* groupProperties(GVariant* arguments);

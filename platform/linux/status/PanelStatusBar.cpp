@@ -23,7 +23,11 @@ public:
           bus(surroundings.runLoop, surroundings.log),
           busChanges(bus.onChange([this] { busChanged(); })),
           tray(surroundings.x, surroundings.runLoop, content,
-               [this](const StatusItemEvent& event) { clicked(event); }) {
+               [this](const StatusItemEvent& event) { clicked(event); }),
+          managerChanges(surroundings.manager.onChange([this] {
+              // What may be done with windows depends on it, and with that the menu.
+              if (notifier) notifier->menuChanged();
+          })) {
         bus.connect();
     }
 
@@ -117,6 +121,7 @@ private:
     Subscription busChanges;
     std::optional<StatusNotifierItem> notifier;
     TrayWindow tray;
+    Subscription managerChanges;
     int choices = 0;
     Lifetime life;
 };

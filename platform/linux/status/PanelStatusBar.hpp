@@ -7,6 +7,7 @@
 #include "platform/Log.hpp"
 #include "platform/RunLoop.hpp"
 #include "platform/StatusBar.hpp"
+#include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/XConnection.hpp"
 
 namespace quorvel::native {
@@ -20,6 +21,7 @@ public:
         XConnection& x;
         RunLoop& runLoop;
         Log& log;
+        WindowManagerInfo& manager;
         /// Folders of icon themes, the first that has the icon wins.
         std::vector<std::string> iconFolders;
         /// Opens a menu at the pointer, where the panel has none of its own.

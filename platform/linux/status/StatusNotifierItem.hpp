@@ -45,6 +45,8 @@ public:
 
     /// Tells the panels to look at the content again.
     void contentChanged() const;
+    /// The same for the menu.
+    void menuChanged() { menu.update(); }
 
 private:
     ExportedObject::Description description();
