@@ -88,6 +88,8 @@ bool ApplicationLauncher::activateOverBus(const std::string& path, const Complet
     if (g_dbus_is_name(name.c_str()) == FALSE || name.starts_with(':')) return false;
     const ObjectRef<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     if (!bus) return false;
+    // Or the library ends this process when the bus goes away.
+    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
 
     struct Call {
         std::weak_ptr<const void> life;

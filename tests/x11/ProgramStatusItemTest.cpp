@@ -238,6 +238,17 @@ TEST_F(ProgramStatusItemTest, ABusThatDiesCostsALineAndNothingElse) {
     EXPECT_TRUE(program.waitForFrame(window, home));
 }
 
+TEST_F(ProgramStatusItemTest, ABusThatDiesAfterAnActivationOverItDoesNotEndTheProgram) {
+    program.bind({{"/usr/share/applications/org.gnome.gedit.desktop", program.shortcut}});
+    program.start();
+    program.press(program.shortcut);
+    program.waitForWindow("Gedit");
+    program.session.bus().kill();
+    EXPECT_TRUE(program.waitForLine("Quorvel: the session bus has gone"));
+    EXPECT_TRUE(neverWithin(300ms, [&] { return !program.isRunning(); }));
+    EXPECT_EQ(program.terminate(), 0);
+}
+
 TEST_F(ProgramStatusItemTest, WithoutItsIconItShowsACircle) {
     const fs::path elsewhere = program.session.folder() / "moved";
     fs::create_directories(elsewhere);
