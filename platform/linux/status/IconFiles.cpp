@@ -1,6 +1,7 @@
 #include "platform/linux/status/IconFiles.hpp"
 
 #include <png.h>
+#include <unistd.h>
 
 #include <array>
 #include <filesystem>
@@ -10,6 +11,11 @@ namespace quorvel::native {
 namespace {
 
 constexpr std::array sizes{16, 22, 24, 32, 48, 64};
+
+std::string iconPath(const std::string& folder, int size) {
+    const std::string name = std::to_string(size);
+    return folder + "/hicolor/" + name + "x" + name + "/apps/com.tessivane.quorvel.png";
+}
 
 std::optional<IconImage> readPng(const std::string& path, int size) {
     png_image image{};
@@ -43,16 +49,20 @@ std::vector<std::string> iconFolders(const std::string& executable, const XdgFol
     return result;
 }
 
-std::vector<IconImage> loadIcons(const std::vector<std::string>& folders) {
-    std::vector<IconImage> icons;
+std::optional<std::string> folderWithIcons(const std::vector<std::string>& folders) {
     for (const std::string& folder : folders) {
         for (const int size : sizes) {
-            const std::string name = std::to_string(size);
-            auto icon = readPng(
-                folder + "/hicolor/" + name + "x" + name + "/apps/com.tessivane.quorvel.png", size);
-            if (icon) icons.push_back(std::move(*icon));
+            if (access(iconPath(folder, size).c_str(), R_OK) == 0) return folder;
         }
-        if (!icons.empty()) break;
+    }
+    return std::nullopt;
+}
+
+std::vector<IconImage> loadIcons(const std::string& folder) {
+    std::vector<IconImage> icons;
+    for (const int size : sizes) {
+        auto icon = readPng(iconPath(folder, size), size);
+        if (icon) icons.push_back(std::move(*icon));
     }
     return icons;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,11 @@ namespace quorvel::native {
 /// of the XDG specification. Base folders of icon themes.
 std::vector<std::string> iconFolders(const std::string& executable, const XdgFolders& folders);
 
-/// The program's icon in the sizes that panels use, from the first folder whose `hicolor` theme has
-/// any; the smallest first. Empty where there is none that can be read.
-std::vector<IconImage> loadIcons(const std::vector<std::string>& folders);
+/// The first of these folders whose `hicolor` theme has the program's icon.
+std::optional<std::string> folderWithIcons(const std::vector<std::string>& folders);
+
+/// The program's icon in the sizes that panels use, the smallest first. Empty where none can be
+/// read.
+std::vector<IconImage> loadIcons(const std::string& folder);
 
 }  // namespace quorvel::native

@@ -15,6 +15,7 @@ namespace {
 
 /// A panel that speaks both brings up its tray first; so that the item does not jump.
 constexpr std::chrono::milliseconds beforeTray{400};
+constexpr std::chrono::milliseconds afterTheStart{50};
 
 class PanelStatusItem final : public StatusItem {
 public:
@@ -28,22 +29,27 @@ public:
               // What may be done with windows depends on it, and with that the menu.
               if (notifier) notifier->menuChanged();
           })) {
-        bus.connect();
+        // First what the user waits for.
+        surroundings.runLoop.after(afterTheStart, [this, alive = life.watch()] {
+            if (alive.expired()) return;
+            isStarted = true;
+            showPicture();
+            bus.connect();
+        });
     }
 
     bool setApplicationIcon(Size) override {
-        auto icons = loadIcons(surroundings.iconFolders);
-        if (icons.empty()) return false;
-        content.icons = std::move(icons);
+        iconFolder = folderWithIcons(surroundings.iconFolders);
+        if (!iconFolder) return false;
         content.title.clear();
-        contentChanged();
+        if (isStarted) showPicture();
         return true;
     }
 
     void setTitle(const std::string& title) override {
         content.title = title;
-        content.icons = {circleWithVerticalFill(22), circleWithVerticalFill(48)};
-        contentChanged();
+        iconFolder.reset();
+        if (isStarted) showPicture();
     }
 
     void setToolTip(const std::string& text) override {
@@ -65,6 +71,14 @@ public:
     void popUpMenu(const Menu& shown) override { surroundings.popUpMenu(shown); }
 
 private:
+    void showPicture() {
+        content.icons = iconFolder ? loadIcons(*iconFolder) : std::vector<IconImage>();
+        if (content.icons.empty()) {
+            content.icons = {circleWithVerticalFill(22), circleWithVerticalFill(48)};
+        }
+        contentChanged();
+    }
+
     void contentChanged() {
         if (notifier) notifier->contentChanged();
         tray.contentChanged();
@@ -114,6 +128,8 @@ private:
     }
 
     const PanelStatusBar::Surroundings& surroundings;
+    bool isStarted = false;
+    std::optional<std::string> iconFolder;
     StatusItemContent content;
     std::function<void(const StatusItemEvent&)> action;
     std::function<Menu()> menu;

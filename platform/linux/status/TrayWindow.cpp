@@ -238,9 +238,7 @@ void TrayWindow::sizeChanged(int newWidth, int newHeight) {
 }
 
 void TrayWindow::draw() const {
-    const IconImage icon = content.icons.empty() || !content.title.empty()
-                               ? circleWithVerticalFill(std::min(width, height))
-                               : iconOfSize(content.icons, std::min(width, height));
+    const IconImage icon = iconOfSize(content.icons, std::min(width, height));
     const xcb_render_query_pict_formats_reply_t* const formats =
         xcb_render_util_query_formats(x.xcb());
     if (formats == nullptr || icon.size <= 0) return;
