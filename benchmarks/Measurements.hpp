@@ -15,6 +15,10 @@ std::vector<Row> measureResidents(const Contestants& contestants);
 /// From the start of the process to its first answer, in turn on one desktop.
 std::vector<Row> measureStarts(const Contestants& contestants);
 
+/// From the start of the process to its "ready" line with 100 bindings on three displays, beside
+/// the same program with none.
+std::vector<Row> measureLoads(const Contestants& contestants);
+
 /// Wake-ups and processor time while nothing happens, with nothing tucked and with ten windows.
 /// Takes 60 seconds, or QUORVEL_BENCH_SECONDS.
 std::vector<Row> measureRest(const Contestants& contestants);

@@ -6,37 +6,37 @@
 #include <string>
 
 namespace quorvel::bench {
-namespace {
 
-std::filesystem::directory_iterator threadsOf(pid_t process) {
-    return std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task");
-}
-
-}  // namespace
-
-long voluntarySwitches(pid_t process) {
-    long total = 0;
-    for (const auto& thread : threadsOf(process)) {
-        std::ifstream status(thread.path() / "status");
+Activity Activity::of(pid_t process) {
+    Activity activity;
+    for (const auto& folder :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+        Thread thread;
+        std::ifstream status(folder.path() / "status");
         std::string line;
         const std::string label = "voluntary_ctxt_switches:";
         while (std::getline(status, line)) {
-            if (line.starts_with(label)) total += std::stol(line.substr(label.size()));
+            if (line.starts_with(label)) thread.wakeUps = std::stol(line.substr(label.size()));
         }
-    }
-    return total;
-}
-
-double processorMilliseconds(pid_t process) {
-    double total = 0;
-    for (const auto& thread : threadsOf(process)) {
         double nanoseconds = 0;
-        if (!(std::ifstream(thread.path() / "schedstat") >> nanoseconds)) {
+        if (!(std::ifstream(folder.path() / "schedstat") >> nanoseconds)) {
             throw std::runtime_error("the kernel does not tell the processor time of a thread");
         }
-        total += nanoseconds / 1'000'000;
+        thread.processorMilliseconds = nanoseconds / 1'000'000;
+        activity.threads.emplace(std::stoi(folder.path().filename()), thread);
     }
-    return total;
+    return activity;
+}
+
+Activity::Thread Activity::since(const Activity& earlier) const {
+    Thread sum;
+    for (const auto& [identifier, now] : threads) {
+        const auto known = earlier.threads.find(identifier);
+        const Thread before = known == earlier.threads.end() ? Thread{} : known->second;
+        sum.wakeUps += now.wakeUps - before.wakeUps;
+        sum.processorMilliseconds += now.processorMilliseconds - before.processorMilliseconds;
+    }
+    return sum;
 }
 
 }  // namespace quorvel::bench

@@ -6,6 +6,7 @@
 
 #include "benchmarks/Measurements.hpp"
 #include "benchmarks/Processes.hpp"
+#include "tests/support/x11/Panel.hpp"
 
 namespace quorvel::bench {
 namespace {
@@ -52,6 +53,27 @@ bool hasLoadedInterface(pid_t process) {
            content.find("libQt6") != std::string::npos;
 }
 
+/// Resident, with its item in a panel of this kind.
+Row itemRow(const Contestants& contestants, test::PanelKind kind) {
+    constexpr double allowed = 12;
+    Stage stage(test::WindowManagerKind::openbox);
+    const test::Panel panel(kind, stage.session());
+    Contestants::configureProgram(stage);
+    const test::ChildProcess process = contestants.startProgram(stage);
+    panel.waitForItem();
+    stage.observer().settle(500ms);
+    const double resident = memoryOf(process.pid()).resident;
+    const bool interface = hasLoadedInterface(process.pid());
+    return {"resident, with its item in " + test::nameOf(kind) + ", MB",
+            "1",
+            text(resident, 2),
+            "",
+            "",
+            "",
+            "≤ " + text(allowed, 0),
+            !interface && resident <= allowed};
+}
+
 Row answerRow(const std::string& figure, double share, const std::array<Contestant, 3>& all) {
     const auto of = [&](std::size_t index) { return all[index].answers.quantile(share); };
     return {figure,         std::to_string(all[0].answers.count()) + "/" + std::to_string(presses),
@@ -86,16 +108,15 @@ std::vector<Row> measureResidents(const Contestants& contestants) {
 
     // The span begins when every desktop has come to rest.
     for (Contestant& one : all) one.stage->observer().settle(200ms);
-    std::array<long, 3> before{};
-    for (std::size_t i = 0; i < all.size(); ++i)
-        before[i] = voluntarySwitches(all[i].process->pid());
+    std::array<Activity, 3> before;
+    for (std::size_t i = 0; i < all.size(); ++i) before[i] = Activity::of(all[i].process->pid());
     const Instant start = Clock::now();
     all[0].stage->observer().sleepUntil(start + restSpan);
     std::array<double, 3> wakeUps{};
     for (std::size_t i = 0; i < all.size(); ++i) {
         const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-        const long now = voluntarySwitches(all[i].process->pid());
-        wakeUps[i] = static_cast<double>(now - before[i]) / seconds;
+        const auto done = Activity::of(all[i].process->pid()).since(before[i]);
+        wakeUps[i] = static_cast<double>(done.wakeUps) / seconds;
     }
     std::array<Memory, 3> memory{};
     for (std::size_t i = 0; i < all.size(); ++i) memory[i] = memoryOf(all[i].process->pid());
@@ -123,6 +144,9 @@ std::vector<Row> measureResidents(const Contestants& contestants) {
     rows.back().met = !interface && memory[0].resident <= 10;
     rows.push_back(memoryRow("proportional, MB", &Memory::proportional));
     rows.push_back(memoryRow("its own (private), MB", &Memory::own));
+    for (const test::PanelKind kind : {test::PanelKind::trayer, test::PanelKind::lxqtPanel}) {
+        rows.push_back(itemRow(contestants, kind));
+    }
     rows.push_back({"wake-ups at rest, per second over 10 s", "1", text(wakeUps[0], 2),
                     text(wakeUps[1], 2), text(wakeUps[2], 2), ""});
     return rows;

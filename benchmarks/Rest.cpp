@@ -27,12 +27,10 @@ std::chrono::seconds span() {
 
 struct Usage {
     Instant at;
-    double switches = 0;
-    double milliseconds = 0;
+    Activity activity;
 
     static Usage of(const test::ChildProcess& process) {
-        return {Clock::now(), static_cast<double>(voluntarySwitches(process.pid())),
-                processorMilliseconds(process.pid())};
+        return {Clock::now(), Activity::of(process.pid())};
     }
 };
 
@@ -46,10 +44,11 @@ struct Situation {
 
     double wakeUps(std::size_t index) const {
         const std::chrono::duration<double> passed = after[index].at - before[index].at;
-        return (after[index].switches - before[index].switches) / passed.count();
+        return static_cast<double>(after[index].activity.since(before[index].activity).wakeUps) /
+               passed.count();
     }
     double milliseconds(std::size_t index) const {
-        return after[index].milliseconds - before[index].milliseconds;
+        return after[index].activity.since(before[index].activity).processorMilliseconds;
     }
 
     std::string name;
@@ -113,12 +112,12 @@ void awaitRest(const Situation& situation) {
     const pid_t process = situation.program->pid();
     const Instant deadline = Clock::now() + 10s;
     situation.stage.observer().settle(200ms);
-    long last = voluntarySwitches(process);
+    Activity last = Activity::of(process);
     while (Clock::now() < deadline) {
         situation.stage.observer().sleepUntil(Clock::now() + restIsTold);
-        const long now = voluntarySwitches(process);
+        Activity now = Activity::of(process);
         if (now == last) return;
-        last = now;
+        last = std::move(now);
     }
     throw std::runtime_error("the program does not come to rest");
 }

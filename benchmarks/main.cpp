@@ -1,7 +1,7 @@
 // Prints one table: each figure beside its baseline from the same run. The baselines are the least
 // that a program can do (floor.cpp) and a well-known hot-key daemon.
 //
-//   quorvel-bench PROGRAM FLOOR [residents|starts|rest|polls|dwells|slides|NAME …]
+//   quorvel-bench PROGRAM FLOOR [residents|starts|loads|rest|polls|dwells|slides|NAME …]
 //
 // measures all, or only the parts that are named; NAME is a window manager to slide under.
 
@@ -31,6 +31,7 @@ struct Part {
 std::vector<Part> allParts() {
     std::vector<Part> parts{{"residents", "residents", measureResidents},
                             {"starts", "starts", measureStarts},
+                            {"loads", "loads", measureLoads},
                             {"rest", "rest", measureRest},
                             {"polls", "polls", [](const Contestants&) { return measurePolls(); }},
                             {"dwells", "dwells", measureDwells}};
@@ -56,7 +57,7 @@ int main(int argumentCount, char** arguments) {
     const std::vector<std::string> given(arguments, arguments + argumentCount);
     if (given.size() < 3) {
         std::cerr << "usage: quorvel-bench PROGRAM FLOOR "
-                     "[residents|starts|rest|polls|dwells|slides|NAME …]\n";
+                     "[residents|starts|loads|rest|polls|dwells|slides|NAME …]\n";
         return 2;
     }
     const Contestants contestants{given[1], given[2]};
