@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,10 @@ public:
 
     /// Follows symbolic links; a dangling one does not exist.
     virtual bool exists(std::string_view path) const = 0;
+
+    /// Whether nothing can be written to the file system that holds it; nothing when that cannot be
+    /// found out.
+    virtual std::optional<bool> isOnReadOnlyVolume(std::string_view path) const = 0;
 
     /// Absolute, without a trailing slash.
     virtual std::string homeDirectory() const = 0;

@@ -12,6 +12,9 @@ class LoginItemService {
 public:
     virtual ~LoginItemService() = default;
 
+    /// Absolute path of the program that opens at login; empty when the system does not tell.
+    virtual std::string programPath() const = 0;
+
     virtual LoginItemStatus status() const = 0;
 
     /// Both return nothing on success, else why they failed.

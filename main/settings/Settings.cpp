@@ -123,12 +123,14 @@ bool Settings::setKnownDisplays(const std::map<std::string, std::string>& displa
                                Value::Dictionary(displays.begin(), displays.end()));
 }
 
-void Settings::restoreDefaults() const {
+bool Settings::restoreDefaults() const {
     constexpr std::array keys{Keys::hotZoneDwellMs, Keys::tuckAnimation, Keys::appBindings,
                               Keys::placements,     Keys::knownDisplays, Keys::targetAppPath,
                               Keys::hotKey,         Keys::hotZone,       Keys::tuckEdge,
                               Keys::tuckAuto};
-    for (const std::string_view key : keys) defaults->removeObject(key);
+    std::vector<DefaultsChange> removals;
+    for (const std::string_view key : keys) removals.push_back({std::string(key), std::nullopt});
+    return defaults->apply(removals);
 }
 
 std::optional<Value> Settings::objectOrBundleValue(std::string_view key) const {

@@ -65,8 +65,9 @@ struct Settings {
     bool setPlacements(const std::vector<Placement>& list) const;
     bool setKnownDisplays(const std::map<std::string, std::string>& displays) const;
 
-    /// Everything but the three markers, so that neither migration nor flattening runs again.
-    void restoreDefaults() const;
+    /// Removes everything but the three markers, so that neither migration nor flattening runs
+    /// again. False when the store refused; then all is as it was.
+    bool restoreDefaults() const;
 
 private:
     std::optional<Value> objectOrBundleValue(std::string_view key) const;

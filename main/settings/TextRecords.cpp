@@ -1,5 +1,8 @@
 #include "main/settings/TextRecords.hpp"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/Text.hpp"
 
 namespace quorvel {
@@ -32,6 +35,11 @@ std::vector<TextRecord> textRecords(const std::optional<Value>& value) {
 std::string fieldOf(const TextRecord& record, std::string_view name, std::string_view fallback) {
     const auto field = record.find(name);
     return field == record.end() ? std::string(fallback) : field->second;
+}
+
+bool saysYes(std::string_view text) {
+    constexpr std::array<std::string_view, 4> words{"true", "yes", "1", "on"};
+    return std::find(words.begin(), words.end(), lowercased(trimmed(text))) != words.end();
 }
 
 bool hasAppPath(const TextRecord& record) {

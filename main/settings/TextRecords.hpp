@@ -23,6 +23,10 @@ std::vector<TextRecord> textRecords(const std::optional<Value>& value);
 /// The text of a field, exactly as stored; `fallback` where the record does not have it.
 std::string fieldOf(const TextRecord& record, std::string_view name, std::string_view fallback);
 
+/// Whether a stored text switches something on: "true", "yes", "1" or "on", in any case and
+/// spacing.
+bool saysYes(std::string_view text);
+
 /// Whether the record names an application: its path has more than white space.
 bool hasAppPath(const TextRecord& record);
 

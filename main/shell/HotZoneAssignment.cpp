@@ -18,7 +18,7 @@ void HotZoneAssignment::apply(const std::vector<AppBinding>& activeBindings, int
     const std::vector<DisplayInfo> attached = Displays::attached(platform.screens);
     const std::vector<Placement> placements = settings.placements();
     const PlacementIndex index(placements);
-    rememberDisplays(attached);
+    if (remembersDisplays) rememberDisplays(attached);
 
     const auto corners = SettingsLayout::placedCorners(activeBindings, index, attached);
     for (const std::string& message :

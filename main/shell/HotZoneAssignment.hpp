@@ -27,6 +27,9 @@ public:
     HotZoneAssignment(Settings settings, RunLoop& runLoop, HotZoneWatcher::Platform platform,
                       Deed deed);
 
+    /// Whether the attached displays are stored by name.
+    bool remembersDisplays = true;
+
     /// Replaces what was assigned before. Where two claim one corner, the earlier one gets it.
     void apply(const std::vector<AppBinding>& activeBindings, int dwellMs);
 

@@ -1,28 +1,21 @@
 #include "main/shell/LauncherController.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <string_view>
 #include <utility>
 
 #include "main/settings/Displays.hpp"
 #include "main/settings/Placement.hpp"
+#include "main/settings/TextRecords.hpp"
+#include "main/shell/LoginItem.hpp"
 #include "main/shell/ProcessValues.hpp"
+#include "main/shell/SettingsUpgrade.hpp"
 #include "main/tucking/AXPermission.hpp"
 #include "main/tucking/AXWindows.hpp"
 #include "main/tucking/TuckAnimationStyle.hpp"
 #include "platform/Text.hpp"
 
 namespace quorvel {
-namespace {
-
-bool saysYes(std::string_view text) {
-    constexpr std::array<std::string_view, 4> words{"true", "yes", "1", "on"};
-    return std::find(words.begin(), words.end(), lowercased(trimmed(text))) != words.end();
-}
-
-}  // namespace
 
 LauncherController::LauncherController(const Desktop& desktop, Application& application,
                                        InterfaceProvider interface)
@@ -47,6 +40,8 @@ LauncherController::LauncherController(const Desktop& desktop, Application& appl
                         {desktop.pollTimers, desktop.pointer, desktop.runLoop, desktop.log}) {}
 
 void LauncherController::applicationDidFinishLaunching() {
+    upgradeSettings();
+    LoginItem::registerOnFirstLaunch(settings, desktop.loginItem, desktop.files, desktop.log);
     if (!createStatusItem()) {
         desktop.log.line("Quorvel: the system refused to create a status item button.");
         application.exit(EXIT_FAILURE);
@@ -110,6 +105,19 @@ Menu LauncherController::statusMenu() {
 
 void LauncherController::requestAccessibility() {
     AXPermission::promptAndOpenSettings(desktop.trust);
+}
+
+void LauncherController::upgradeSettings() {
+    if (SettingsUpgrade::migrate(desktop.defaults, desktop.log)) {
+        flattenPlacementsIfNeeded();
+    } else {
+        // Anything of our own in the store would keep the import out at the next launch.
+        hotZoneAssignment.remembersDisplays = false;
+    }
+}
+
+void LauncherController::flattenPlacementsIfNeeded() {
+    SettingsUpgrade::flatten(settings, desktop.screens, desktop.files, desktop.log);
 }
 
 /// Nothing is done while others are still being told: each deed waits for the next turn.

@@ -41,6 +41,10 @@ public:
     void applicationWillTerminate() override;
     bool applicationSupportsSecureRestorableState() const override { return true; }
 
+    /// Once in the life of an installation: gives what earlier versions stored for all displays to
+    /// those attached now.
+    void flattenPlacementsIfNeeded();
+
     /// The one way in which settings take effect.
     void reloadFromSettings();
 
@@ -76,6 +80,7 @@ private:
     bool createStatusItem();
     void statusItemClicked(const StatusItemEvent& event);
     Menu statusMenu();
+    void upgradeSettings();
     void observeDesktop();
     void applicationDeactivated(const std::string& appPath, std::int32_t pid);
     void applicationActivated(const std::string& appPath);

@@ -122,8 +122,21 @@ bool JsonDefaults::setAsideOwn() const {
     return true;
 }
 
-template <class Change>
-bool JsonDefaults::update(const Change& change, std::string& error) {
+bool JsonDefaults::areNeeded(const std::vector<DefaultsChange>& changes) const {
+    if (std::any_of(changes.begin(), changes.end(),
+                    [](const DefaultsChange& change) { return change.value.has_value(); })) {
+        return true;
+    }
+    // Nothing to remove needs no folder and no lock, and succeeds where nothing can be written.
+    if (!isUsable || changes.empty()) return false;
+    const JsonDocument& stored = currentOwn();
+    return own.outcome == Outcome::failed ||
+           std::any_of(changes.begin(), changes.end(), [&stored](const DefaultsChange& change) {
+               return stored.contains(change.key);
+           });
+}
+
+bool JsonDefaults::update(const std::vector<DefaultsChange>& changes, std::string& error) {
     if (!isUsable) {
         error = "no valid name of a domain";
         return false;
@@ -145,7 +158,13 @@ bool JsonDefaults::update(const Change& change, std::string& error) {
     }
 
     JsonDocument changed = own.document;
-    if (!change(changed, error)) return error.empty();  // without an error there was no need
+    for (const auto& [key, value] : changes) {
+        if (!value) {
+            changed.remove(key);
+        } else if (!changed.set(key, *value, error)) {
+            return false;
+        }
+    }
     const std::string text = changed.text();
     if (text.size() > JsonDocument::largest) {
         error = "too large";
@@ -159,37 +178,20 @@ bool JsonDefaults::update(const Change& change, std::string& error) {
     return true;
 }
 
-bool JsonDefaults::report(std::string_view key, const std::string& error) const {
-    log.line(
-        formatted("Quorvel: could not store %@ in %@ — %@", std::string(key), own.path, error));
-    return false;
-}
-
 std::optional<Value> JsonDefaults::object(std::string_view key) const {
     if (!isUsable) return std::nullopt;
     return currentOwn().value(key);
 }
 
-bool JsonDefaults::setObject(std::string_view key, const Value& value) {
+bool JsonDefaults::apply(const std::vector<DefaultsChange>& changes) {
+    if (!areNeeded(changes)) return true;
     std::string error;
-    const bool stored = update(
-        [&](JsonDocument& document, std::string& why) { return document.set(key, value, why); },
-        error);
-    return stored || report(key, error);
-}
-
-bool JsonDefaults::removeObject(std::string_view key) {
-    // Nothing to remove needs no folder and no lock, and succeeds where nothing can be written.
-    if (!isUsable || (!currentOwn().contains(key) && own.outcome != Outcome::failed)) return true;
-    std::string error;
-    const bool removed = update(
-        [&](JsonDocument& document, std::string&) {
-            if (!document.contains(key)) return false;
-            document.remove(key);
-            return true;
-        },
-        error);
-    return removed || report(key, error);
+    if (update(changes, error)) return true;
+    std::vector<std::string> keys;
+    for (const DefaultsChange& change : changes) keys.push_back(change.key);
+    log.line(
+        formatted("Quorvel: could not store %@ in %@ — %@", joined(keys, ", "), own.path, error));
+    return false;
 }
 
 Value::Dictionary JsonDefaults::persistentDomain(std::string_view name) const {

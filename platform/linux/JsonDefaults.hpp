@@ -24,8 +24,7 @@ public:
     JsonDefaults(std::string domain, const XdgFolders& folders, Log& log);
 
     std::optional<Value> object(std::string_view key) const override;
-    bool setObject(std::string_view key, const Value& value) override;
-    bool removeObject(std::string_view key) override;
+    bool apply(const std::vector<DefaultsChange>& changes) override;
     Value::Dictionary persistentDomain(std::string_view domain) const override;
     std::optional<Value> preset(std::string_view key) const override;
 
@@ -56,11 +55,11 @@ private:
     /// With the lock held.
     bool setAsideOwn() const;
     void couldNotSetAside(int error) const;
-    /// Reads the own file afresh, lets `change` change it and stores it, all under the lock. Why
-    /// not, in `error`.
-    template <class Change>
-    bool update(const Change& change, std::string& error);
-    bool report(std::string_view key, const std::string& error) const;
+    /// Whether the own file would be another one afterwards, as far as can be said without a lock.
+    bool areNeeded(const std::vector<DefaultsChange>& changes) const;
+    /// Reads the own file afresh, changes it and stores it, all under the lock. Why not, in
+    /// `error`.
+    bool update(const std::vector<DefaultsChange>& changes, std::string& error);
 
     std::string domain;
     std::string configHome;

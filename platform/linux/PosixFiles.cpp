@@ -2,6 +2,7 @@
 
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,6 +30,13 @@ bool PosixFiles::exists(std::string_view path) const {
     if (path.find('\0') != std::string_view::npos) return false;
     struct stat status {};
     return ::stat(std::string(path).c_str(), &status) == 0;
+}
+
+std::optional<bool> PosixFiles::isOnReadOnlyVolume(std::string_view path) const {
+    if (path.find('\0') != std::string_view::npos) return std::nullopt;
+    struct statvfs volume {};
+    if (::statvfs(std::string(path).c_str(), &volume) != 0) return std::nullopt;
+    return (volume.f_flag & ST_RDONLY) != 0;
 }
 
 std::string PosixFiles::homeDirectory() const {

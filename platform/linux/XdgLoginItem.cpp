@@ -72,6 +72,7 @@ LoginItemStatus XdgLoginItem::status() const {
 }
 
 std::optional<std::string> XdgLoginItem::registerItem() {
+    if (executable.empty()) return "the path of the program is not known";
     if (g_utf8_validate(executable.data(), static_cast<gssize>(executable.size()), nullptr) ==
         FALSE) {
         return "the path of the program is not UTF-8";

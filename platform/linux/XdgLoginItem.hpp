@@ -12,9 +12,10 @@ namespace quorvel::native {
 /// off reads as "requires approval". Never "not found".
 class XdgLoginItem final : public LoginItemService {
 public:
-    /// `executable` is the absolute path of this program.
+    /// `executable` is the absolute path of this program; without it nothing can be registered.
     XdgLoginItem(const XdgFolders& folders, std::string executable);
 
+    std::string programPath() const override { return executable; }
     LoginItemStatus status() const override;
     std::optional<std::string> registerItem() override;
     std::optional<std::string> unregisterItem() override;

@@ -30,17 +30,20 @@ std::optional<Value> SimulatedDefaults::object(std::string_view key) const {
     return found(values, key);
 }
 
-bool SimulatedDefaults::setObject(std::string_view key, const Value& value) {
-    if (!canSave(key)) return false;
-    values.insert_or_assign(std::string(key), value);
-    ++writeCount;
-    return true;
-}
-
-bool SimulatedDefaults::removeObject(std::string_view key) {
-    if (!unreadable && !found(values, key)) return true;
-    if (!canSave(key)) return false;
-    values.erase(std::string(key));
+bool SimulatedDefaults::apply(const std::vector<DefaultsChange>& changes) {
+    const bool isNeeded =
+        std::any_of(changes.begin(), changes.end(), [this](const DefaultsChange& change) {
+            return change.value || unreadable || found(values, change.key);
+        });
+    if (!isNeeded) return true;
+    if (!canSave(changes)) return false;
+    for (const auto& [key, value] : changes) {
+        if (value) {
+            values.insert_or_assign(key, *value);
+        } else {
+            values.erase(key);
+        }
+    }
     ++writeCount;
     return true;
 }
@@ -56,9 +59,15 @@ std::optional<Value> SimulatedDefaults::preset(std::string_view key) const {
     return found(presets, key);
 }
 
-bool SimulatedDefaults::canSave(std::string_view key) {
-    if (!failsToSave && !unreadable && !keysThatFailToSave.contains(key)) return true;
-    log.line(formatted("Quorvel: could not store %@ in %@ — %@", key,
+bool SimulatedDefaults::canSave(const std::vector<DefaultsChange>& changes) {
+    std::vector<std::string> keys;
+    for (const DefaultsChange& change : changes) keys.push_back(change.key);
+    const bool fails = failsToSave || unreadable ||
+                       std::any_of(keys.begin(), keys.end(), [this](const std::string& key) {
+                           return keysThatFailToSave.contains(key);
+                       });
+    if (!fails) return true;
+    log.line(formatted("Quorvel: could not store %@ in %@ — %@", joined(keys, ", "),
                        "/home/user/.config/" + domainName + "/defaults.json",
                        unreadable ? "Permission denied" : "No space left on device"));
     return false;

@@ -21,7 +21,7 @@ public:
     std::map<std::string, Value::Dictionary> otherDomains;
     Value::Dictionary presets;
 
-    // Faults: both fail every write, the second for these keys only.
+    // Faults: both fail every write, the second those of these keys only.
     bool failsToSave = false;
     std::set<std::string, std::less<>> keysThatFailToSave;
     /// What is stored may not be read; writing would lose the other keys, so that fails too.
@@ -31,13 +31,12 @@ public:
     int writeCount = 0;
 
     std::optional<Value> object(std::string_view key) const override;
-    bool setObject(std::string_view key, const Value& value) override;
-    bool removeObject(std::string_view key) override;
+    bool apply(const std::vector<DefaultsChange>& changes) override;
     Value::Dictionary persistentDomain(std::string_view domain) const override;
     std::optional<Value> preset(std::string_view key) const override;
 
 private:
-    bool canSave(std::string_view key);
+    bool canSave(const std::vector<DefaultsChange>& changes);
 
     Log& log;
 };

@@ -1,5 +1,7 @@
 #include "platform/simulated/SimulatedFiles.hpp"
 
+#include <algorithm>
+
 namespace quorvel {
 
 bool SimulatedFiles::exists(std::string_view path) const {
@@ -13,6 +15,12 @@ bool SimulatedFiles::exists(std::string_view path) const {
         at = *entry->second;
     }
     return false;
+}
+
+std::optional<bool> SimulatedFiles::isOnReadOnlyVolume(std::string_view path) const {
+    const auto holds = [path](const std::string& folder) { return path.starts_with(folder + "/"); };
+    if (std::any_of(silentVolumes.begin(), silentVolumes.end(), holds)) return std::nullopt;
+    return std::any_of(readOnlyVolumes.begin(), readOnlyVolumes.end(), holds);
 }
 
 }  // namespace quorvel

@@ -4,8 +4,9 @@
 
 namespace quorvel {
 
-class SimulatedLoginItem final : public LoginItemService {
+class SimulatedLoginItem : public LoginItemService {
 public:
+    std::string program = "/opt/quorvel/Quorvel";
     LoginItemStatus current = LoginItemStatus::notRegistered;
 
     /// The user switched the program off in the desktop's own start-up settings.
@@ -16,6 +17,7 @@ public:
     int registerCount = 0;
     int unregisterCount = 0;
 
+    std::string programPath() const override { return program; }
     LoginItemStatus status() const override { return current; }
 
     std::optional<std::string> registerItem() override {

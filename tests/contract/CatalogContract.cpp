@@ -56,6 +56,10 @@ protected:
     LoginItemService& loginItem = desktop.loginItem;
 };
 
+TEST_P(LoginItemContract, TheProgramIsNamedByItsAbsolutePath) {
+    EXPECT_TRUE(loginItem.programPath().starts_with('/'));
+}
+
 TEST_P(LoginItemContract, NotRegisteredAtFirst) {
     EXPECT_EQ(loginItem.status(), LoginItemStatus::notRegistered);
 }

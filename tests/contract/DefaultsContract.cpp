@@ -58,6 +58,26 @@ TEST_P(DefaultsContract, RemovingAnAbsentKeySucceeds) {
     EXPECT_TRUE(defaults.removeObject("Nothing"));
 }
 
+TEST_P(DefaultsContract, ChangesAreAppliedTogetherAndInOrder) {
+    EXPECT_TRUE(defaults.setObject("One", 1));
+    EXPECT_TRUE(defaults.setObject("Two", 2));
+    EXPECT_TRUE(defaults.apply({{"One", std::nullopt},
+                                {"Three", Value("a")},
+                                {"Four", Value(4)},
+                                {"Three", Value("b")},
+                                {"Four", std::nullopt},
+                                {"Absent", std::nullopt}}));
+    EXPECT_FALSE(defaults.object("One").has_value());
+    EXPECT_EQ(defaults.object("Two"), Value(2));
+    EXPECT_EQ(defaults.object("Three"), Value("b"));
+    EXPECT_FALSE(defaults.object("Four").has_value());
+}
+
+TEST_P(DefaultsContract, NoChangeAtAllSucceeds) {
+    EXPECT_TRUE(defaults.apply({}));
+    EXPECT_TRUE(defaults.apply({{"Nothing", std::nullopt}, {"More", std::nullopt}}));
+}
+
 TEST_P(DefaultsContract, AnotherProgramsDomainCanBeRead) {
     rig->writeOtherDomain("org.example.other", "Edge", "left");
     const Value::Dictionary domain = defaults.persistentDomain("org.example.other");

@@ -18,19 +18,23 @@ public:
     std::map<std::string, Value::Dictionary, std::less<>> otherDomains;
     std::vector<std::string> removals;  ///< every key that a removal was asked for, in order
     bool refusesWrites = false;
+    int writeCount = 0;
 
     std::optional<Value> object(std::string_view key) const override { return in(values, key); }
 
-    bool setObject(std::string_view key, const Value& value) override {
+    bool apply(const std::vector<DefaultsChange>& changes) override {
+        for (const DefaultsChange& change : changes) {
+            if (!change.value) removals.push_back(change.key);
+        }
         if (refusesWrites) return false;
-        values.insert_or_assign(std::string(key), value);
-        return true;
-    }
-
-    bool removeObject(std::string_view key) override {
-        removals.emplace_back(key);
-        if (refusesWrites) return false;
-        if (const auto found = values.find(key); found != values.end()) values.erase(found);
+        ++writeCount;
+        for (const auto& [key, value] : changes) {
+            if (value) {
+                values.insert_or_assign(key, *value);
+            } else {
+                values.erase(key);
+            }
+        }
         return true;
     }
 

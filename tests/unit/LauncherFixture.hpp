@@ -17,9 +17,17 @@
 
 namespace quorvel {
 
-/// The whole program on the simulated desktop.
+/// The whole program on the simulated desktop, where it has run before.
 class LauncherFixture : public testing::Test {
 protected:
+    LauncherFixture() {
+        for (const std::string_view marker :
+             {Keys::didMigrateLegacySettings, Keys::didFlattenPlacements,
+              Keys::didOfferLoginItem}) {
+            sim.defaults.values.append(std::string(marker), true);
+        }
+    }
+
     static constexpr const char* editor = "/usr/share/applications/editor.desktop";
     static constexpr const char* browser = "/usr/share/applications/browser.desktop";
     static constexpr const char* editorKeys = "control,option,E";

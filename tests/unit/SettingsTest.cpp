@@ -305,6 +305,19 @@ TEST_F(SettingsTest, RestoreDefaultsRemovesTheKeysInOrder) {
                                                "HotKey", "HotZone", "TuckEdge", "TuckAuto"));
 }
 
+TEST_F(SettingsTest, RestoreDefaultsIsOneWriteThatMayBeRefused) {
+    store(Keys::hotZoneDwellMs, 100);
+    store(Keys::tuckAnimation, "spring");
+    defaults.refusesWrites = true;
+    EXPECT_FALSE(settings.restoreDefaults());
+    EXPECT_EQ(defaults.values.size(), 2u);
+    defaults.refusesWrites = false;
+    const int before = defaults.writeCount;
+    EXPECT_TRUE(settings.restoreDefaults());
+    EXPECT_EQ(defaults.writeCount, before + 1);
+    EXPECT_THAT(defaults.values, IsEmpty());
+}
+
 TEST_F(SettingsTest, RestoreDefaultsKeepsTheMarkersAndForeignKeys) {
     for (const char* key :
          {"HotZoneDwellMs", "TuckAnimation", "AppBindings", "Placements", "KnownDisplays",

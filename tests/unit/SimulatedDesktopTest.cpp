@@ -151,6 +151,18 @@ TEST(SimulatedDefaultsTest, AFailedSaveChangesNothingAndIsLogged) {
     EXPECT_EQ(desktop.log.lines.size(), 2u);
 }
 
+TEST(SimulatedDefaultsTest, OneKeyThatCannotBeSavedKeepsAllChangesOut) {
+    SimulatedDesktop desktop;
+    desktop.defaults.values = {{"A", 1}, {"B", 2}};
+    desktop.defaults.keysThatFailToSave = {"C"};
+    EXPECT_FALSE(desktop.defaults.apply({{"A", Value(3)}, {"B", std::nullopt}, {"C", Value(4)}}));
+    EXPECT_EQ(desktop.defaults.values, (Value::Dictionary{{"A", 1}, {"B", 2}}));
+    EXPECT_EQ(desktop.log.lines.size(), 1u);
+    EXPECT_TRUE(desktop.defaults.apply({{"A", Value(3)}, {"B", std::nullopt}}));
+    EXPECT_EQ(desktop.defaults.values, (Value::Dictionary{{"A", 3}}));
+    EXPECT_EQ(desktop.defaults.writeCount, 1);
+}
+
 TEST(SimulatedDefaultsTest, RemovingAnAbsentKeyIsNoWrite) {
     SimulatedDesktop desktop;
     desktop.defaults.failsToSave = true;

@@ -1,6 +1,7 @@
 #include "tests/x11/ProgramOnX.hpp"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -9,6 +10,7 @@
 #include <set>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 
 #include "platform/linux/GlibRunLoop.hpp"
 #include "platform/linux/X11Screens.hpp"
@@ -17,6 +19,8 @@
 
 namespace quorvel::test {
 namespace {
+
+constexpr uid_t nobody = 65534;
 
 std::string jsonText(std::string_view text) {
     std::string result = "\"";
@@ -105,6 +109,26 @@ void ProgramOnX::start(const Launch& options) {
     launch(options);
     waitUntil([&] { return starts() > before || !isRunning(); });
     if (starts() == before) throw std::runtime_error("the program does not get ready");
+}
+
+std::vector<std::string> ProgramOnX::asOrdinaryUser() {
+    if (geteuid() != 0) return {};
+    const std::string id = std::to_string(nobody);
+    return {"setpriv", "--reuid", id, "--regid", id, "--clear-groups", "--"};
+}
+
+void ProgramOnX::handOver() const {
+    using std::filesystem::perms;
+    const std::filesystem::path root = session.folder().path();
+    std::filesystem::permissions(root, perms::owner_all | perms::group_exec | perms::group_read |
+                                           perms::others_read | perms::others_exec);
+    if (geteuid() != 0) return;
+    for (const auto& each : std::filesystem::recursive_directory_iterator(root)) {
+        if (each.is_symlink()) continue;
+        if (chown(each.path().c_str(), nobody, nobody) != 0) {
+            throw std::system_error(errno, std::generic_category(), each.path());
+        }
+    }
 }
 
 void ProgramOnX::press(const std::string& shortcut) {

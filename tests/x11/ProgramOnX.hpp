@@ -57,6 +57,11 @@ public:
     static std::filesystem::path defaultPath();
     bool isRunning() const { return process && process->isRunning(); }
 
+    /// A prefix that runs it as a user whom permissions bind, also when the tests run as root.
+    static std::vector<std::string> asOrdinaryUser();
+    /// Gives all that the session has so far to that user.
+    void handOver() const;
+
     /// As "control,option,T" in the settings.
     void press(const std::string& shortcut);
 

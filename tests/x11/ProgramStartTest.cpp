@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <fstream>
 
@@ -83,6 +81,7 @@ TEST_F(ProgramStartTest, WithAValueAppendedTheSwitchIsIgnored) {
 }
 
 TEST_F(ProgramStartTest, WithNothingBoundTheSettingsOpenByThemselves) {
+    program.bind({});
     program.start();
     const xcb_window_t window = program.waitForOwnWindow();
     EXPECT_EQ(program.titleOf(window), "Quorvel");
@@ -98,11 +97,14 @@ TEST_F(ProgramStartTest, SettingsThatCannotBeReadAreSetAsideInOneLine) {
     const fs::path kept = program.settingsFile.string() + ".unreadable-1";
     EXPECT_EQ(ProgramOnX::contentOf(kept), "{ \"AppBindings\": [ {");
     const auto lines = program.logLines();
-    ASSERT_EQ(lines.size(), 1 + emptyStart.size()) << testing::PrintToString(lines);
+    ASSERT_EQ(lines.size(), 3 + emptyStart.size()) << testing::PrintToString(lines);
     EXPECT_THAT(lines[0], AllOf(StartsWith("Quorvel: " + program.settingsFile.string() +
                                            " cannot be read — "),
                                 EndsWith("; it is kept as " + kept.string())));
-    EXPECT_EQ(std::vector(lines.begin() + 1, lines.end()), emptyStart);
+    // It begins anew.
+    EXPECT_THAT(lines[1], StartsWith("Quorvel: flattened settings — 0 app(s), 0 placement(s), "));
+    EXPECT_EQ(lines[2], "Quorvel: registered to open at login");
+    EXPECT_EQ(std::vector(lines.begin() + 3, lines.end()), emptyStart);
     EXPECT_EQ(program.terminate(), 0);
 }
 
@@ -221,27 +223,6 @@ TEST_F(ProgramAloneTest, AnInterfaceThatIsNoneIsALineInTheLog) {
 /// As an ordinary user, for whom a folder can be closed.
 class ProgramUnprivilegedTest : public ProgramStartTest {
 protected:
-    static constexpr uid_t nobody = 65534;
-
-    std::vector<std::string> asUser() const {
-        if (geteuid() != 0) return {};
-        const std::string id = std::to_string(nobody);
-        return {"setpriv", "--reuid", id, "--regid", id, "--clear-groups", "--"};
-    }
-
-    /// Gives all that the session has so far to that user.
-    void handOver() const {
-        const fs::path root = program.session.folder().path();
-        fs::permissions(root, fs::perms::owner_all | fs::perms::group_exec | fs::perms::group_read |
-                                  fs::perms::others_read | fs::perms::others_exec);
-        if (geteuid() != 0) return;
-        for (const auto& each : fs::recursive_directory_iterator(root)) {
-            if (!each.is_symlink()) {
-                ASSERT_EQ(chown(each.path().c_str(), nobody, nobody), 0) << each.path();
-            }
-        }
-    }
-
     static void close(const fs::path& folder) {
         fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
     }
@@ -256,9 +237,9 @@ protected:
 
 TEST_F(ProgramUnprivilegedTest, AHomeThatCannotBeWrittenToLeavesItWithoutALogButWorking) {
     bindNotes();
-    handOver();
+    program.handOver();
     close(program.home);
-    program.launch({.prefix = asUser()});
+    program.launch({.prefix = ProgramOnX::asOrdinaryUser()});
     const fs::path output = program.session.folder() / "Quorvel.output";
     ASSERT_TRUE(waitUntil([&] {
         return ProgramOnX::contentOf(output).find("Quorvel: accessibility granted") !=
@@ -270,10 +251,10 @@ TEST_F(ProgramUnprivilegedTest, AHomeThatCannotBeWrittenToLeavesItWithoutALogBut
 
 TEST_F(ProgramUnprivilegedTest, SettingsThatCannotBeWrittenAreUsedAsTheyAre) {
     bindNotes();
-    handOver();
+    program.handOver();
     const std::string before = program.settingsText();
     close(program.settingsFolder);
-    program.start({.prefix = asUser()});
+    program.start({.prefix = ProgramOnX::asOrdinaryUser()});
     const auto lines = program.logLines();
     EXPECT_THAT(lines, Contains(AllOf(StartsWith("Quorvel: could not store KnownDisplays in "),
                                       EndsWith("Permission denied"))));
@@ -284,10 +265,10 @@ TEST_F(ProgramUnprivilegedTest, SettingsThatCannotBeWrittenAreUsedAsTheyAre) {
 
 TEST_F(ProgramUnprivilegedTest, SettingsThatMayNotBeReadAreLeftAlone) {
     bindNotes();
-    handOver();
+    program.handOver();
     const std::string before = program.settingsText();
     fs::permissions(program.settingsFile, fs::perms::none);
-    program.start({.prefix = asUser()});
+    program.start({.prefix = ProgramOnX::asOrdinaryUser()});
     EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel");
     EXPECT_EQ(program.terminate(), 0);
     fs::permissions(program.settingsFile, fs::perms::owner_read);

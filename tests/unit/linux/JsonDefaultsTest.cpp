@@ -371,6 +371,64 @@ TEST_F(JsonDefaultsTest, FullDiskLeavesEverythingAsItWas) {
     EXPECT_EQ(defaults.object("big"), std::nullopt);
 }
 
+TEST_F(JsonDefaultsTest, SeveralChangesAreOneReplacement) {
+    store(R"({"a": 1, "b": 2, "Unknown": 1.50})");
+    const int before = open(file().c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(before, 0);
+    EXPECT_TRUE(defaults.apply(
+        {{"a", std::nullopt}, {"c", Value("x")}, {"b", Value(3)}, {"absent", std::nullopt}}));
+    EXPECT_EQ(content(), "{\n  \"b\": 3,\n  \"Unknown\": 1.50,\n  \"c\": \"x\"\n}\n");
+    // What somebody else holds open is the state before, not one in between.
+    std::string old(100, '\0');
+    old.resize(
+        static_cast<std::size_t>(std::max<ssize_t>(read(before, old.data(), old.size()), 0)));
+    EXPECT_EQ(old, R"({"a": 1, "b": 2, "Unknown": 1.50})");
+    close(before);
+    EXPECT_TRUE(log.lines.empty());
+}
+
+TEST_F(JsonDefaultsTest, OneChangeThatCannotBeStoredKeepsAllOut) {
+    store("{\"a\":1}");
+    EXPECT_FALSE(defaults.apply({{"a", std::nullopt}, {"b", Value(2)}, {"c", Value("\xff")}}));
+    EXPECT_EQ(log.taken(), Names{"Quorvel: could not store a, b, c in " + file().string() +
+                                 " — a text that is not UTF-8 cannot be stored"});
+    EXPECT_EQ(content(), "{\"a\":1}");
+}
+
+TEST_F(JsonDefaultsTest, ChangesThatChangeNothingWriteNothing) {
+    EXPECT_TRUE(defaults.apply({}));
+    EXPECT_TRUE(defaults.apply({{"a", std::nullopt}, {"b", std::nullopt}}));
+    EXPECT_FALSE(fs::exists(folder()));
+}
+
+TEST_F(JsonDefaultsTest, AProcessThatIsKilledLeavesAllChangesOrNone) {
+    constexpr int keys = 200;
+    store("{\"0\": -1}");
+    for (int round = 0; round < 20; ++round) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            JsonDefaults mine(domain, folders, log);
+            for (int value = 0;; ++value) {
+                std::vector<DefaultsChange> changes;
+                for (int key = 0; key < keys; ++key) {
+                    changes.push_back({std::to_string(key), Value(value)});
+                }
+                mine.apply(changes);
+            }
+        }
+        // Somewhere in the middle of one write or another.
+        const std::string before = content();
+        ASSERT_TRUE(test::waitUntil([&] { return content() != before; }));
+        kill(child, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        const Value::Dictionary values = defaults.persistentDomain(domain);
+        ASSERT_EQ(values.size(), std::size_t{keys});
+        for (const auto& [key, value] : values) ASSERT_EQ(value, values.at("0")) << key;
+    }
+}
+
 TEST_F(JsonDefaultsTest, RestOfACrashedWriteIsNoObstacle) {
     store("{\"a\":1}");
     scratch.write("config/" + std::string(domain) + "/.defaults.json.partial", "{\"a\":");

@@ -72,6 +72,14 @@ TEST_F(XdgLoginItemTest, RegistersAndUnregisters) {
     EXPECT_EQ(item.unregisterItem(), std::nullopt) << "unregistering twice";
 }
 
+TEST_F(XdgLoginItemTest, WithoutAProgramNothingIsRegistered) {
+    XdgLoginItem unknown = itemFor("");
+    EXPECT_EQ(unknown.registerItem(), "the path of the program is not known");
+    EXPECT_FALSE(fs::exists(entry()));
+    EXPECT_EQ(unknown.programPath(), "");
+    EXPECT_EQ(item.programPath(), "/opt/quorvel/Quorvel");
+}
+
 TEST_F(XdgLoginItemTest, RegisteringTwiceChangesNothing) {
     EXPECT_EQ(item.registerItem(), std::nullopt);
     const std::string once = content();
