@@ -27,13 +27,17 @@ protected:
     fs::path log = home / "Library/Logs/Quorvel.log";
     fs::path autostart = home / ".config/autostart/com.tessivane.quorvel.desktop";
 
+    Environment environment{{"HOME", home},
+                            {"PATH", "/usr/bin:/bin"},
+                            {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"}};
+
     void SetUp() override { fs::create_directory(home); }
 
     /// The exit status; -1 when it did not end by itself.
     int run(std::vector<std::string> arguments, const fs::path& program = QUORVEL_PROGRAM) {
         arguments.insert(arguments.begin(), program);
         ChildProcess process({.arguments = arguments,
-                              .environment = {{"HOME", home}, {"PATH", "/usr/bin:/bin"}},
+                              .environment = environment,
                               .logFile = folder / "output",
                               .descriptors = {}});
         const auto status = process.waitForExit();
@@ -57,6 +61,15 @@ TEST_F(ProgramTest, WithoutAServerItSaysSoInOneLineAndFails) {
     EXPECT_EQ(run({}), 1);
     EXPECT_THAT(linesOf(log), ElementsAre(EndsWith("Quorvel: cannot start — DISPLAY is not set")));
     EXPECT_THAT(linesOf(folder / "output"), IsEmpty());
+}
+
+TEST_F(ProgramTest, WithNeitherServerNorSessionBusThereIsNoPlaceForItsItemEither) {
+    environment.erase("DBUS_SESSION_BUS_ADDRESS");
+    EXPECT_EQ(run({}), 1);
+    EXPECT_THAT(
+        linesOf(log),
+        ElementsAre(EndsWith("Quorvel: cannot start — DISPLAY is not set"),
+                    EndsWith("Quorvel: the system refused to create a status item button.")));
 }
 
 TEST_F(ProgramTest, ASecondStartAppendsToTheSameLog) {
