@@ -14,6 +14,7 @@
 #include "main/shell/LauncherController.hpp"
 #include "main/shell/LogFile.hpp"
 #include "platform/linux/ExecutablePath.hpp"
+#include "platform/linux/GlibRunLoop.hpp"
 #include "platform/linux/PosixFiles.hpp"
 #include "platform/linux/SharedModule.hpp"
 #include "platform/linux/SingleInstance.hpp"
@@ -82,7 +83,10 @@ int run(int argc, char** argv) {
     const auto x = native::XConnection::open("", reason);
     if (!x) {
         log.line("Quorvel: cannot start — " + reason);
-        if (!native::SessionBus::address()) {
+        native::GlibRunLoop runLoop;
+        native::SessionBus bus(runLoop, log);
+        bus.connect();
+        if (!bus.waitUntilSettled()) {
             log.line("Quorvel: the system refused to create a status item button.");
         }
         return EXIT_FAILURE;

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 #include "tests/support/x11/Panel.hpp"
 #include "tests/x11/ProgramOnX.hpp"
@@ -157,6 +159,26 @@ TEST_P(ProgramOnPanel, APanelThatStartsLaterOrAgainGetsTheItem) {
     EXPECT_THAT(program.linesSinceReady(), testing::IsEmpty());
 }
 
+TEST_P(ProgramOnPanel, WithoutItsIconItShowsACircle) {
+    const fs::path elsewhere = program.session.folder() / "moved";
+    fs::create_directories(elsewhere);
+    fs::copy(ProgramOnX::defaultPath(), elsewhere / "Quorvel");
+    fs::copy(QUORVEL_INTERFACE_MODULE, elsewhere / "quorvel-interface.so");
+    Panel panel(GetParam(), program.session);
+    program.bind({{program.path, program.shortcut, "left"}});
+    program.start({.executable = elsewhere / "Quorvel"});
+    constexpr std::uint32_t grey = 0x8A8A8A;
+    std::optional<Rect> circle;
+    ASSERT_TRUE(waitUntil([&] {
+        circle = probe().boundsOfColoursNear(grey, 4, {0, 0, 1280, 32});
+        return circle && circle->width > 10;
+    }));
+    keepPicture("status-item-without-icon-" + nameOf(GetParam()));
+    EXPECT_FALSE(panel.item());
+    closeAndWait(settingsAfterClick(*circle));
+    EXPECT_EQ(program.terminate(), 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(All, ProgramOnPanel, testing::ValuesIn(allPanels()),
                          [](const auto& each) { return nameOf(each.param); });
 
@@ -192,8 +214,7 @@ TEST_P(ProgramOnPanelWithoutManager, TheMenuOffersThePermissionUntilItIsThere) {
     EXPECT_EQ(program.waitForExit(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ProgramOnPanelWithoutManager,
-                         testing::Values(PanelKind::trayer, PanelKind::xfce4Panel),
+INSTANTIATE_TEST_SUITE_P(All, ProgramOnPanelWithoutManager, testing::ValuesIn(allPanels()),
                          [](const auto& each) { return nameOf(each.param); });
 
 class ProgramStatusItemTest : public StatusItemFixture {};
@@ -222,6 +243,69 @@ TEST_F(ProgramStatusItemTest, WithoutASessionBusItIsInTheTray) {
     EXPECT_EQ(program.terminate(), 0);
 }
 
+TEST_F(ProgramStatusItemTest, ABusThatNeverAnswersDoesNotKeepItOutOfTheTray) {
+    const FileDescriptor silent(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = program.session.folder() / "silent";
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(silent.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(silent.get(), 8), 0);
+    Panel panel(PanelKind::trayer, program.session);
+    program.bind({{program.path, program.shortcut, "left"}});
+    program.start({.environment = {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path}}});
+    panel.waitForItem();
+    EXPECT_EQ(program.terminate(), 0);
+}
+
+TEST_F(ProgramStatusItemTest, NoBusIsStartedForIt) {
+    const auto script =
+        program.session.folder().write("bin/dbus-launch", "#!/bin/sh\ntouch \"$HOME/launched\"\n");
+    fs::permissions(script, fs::perms::owner_all);
+    Panel panel(PanelKind::trayer, program.session);
+    program.bind({{program.path, program.shortcut, "left"}});
+    program.start({.environment = {{"DBUS_SESSION_BUS_ADDRESS", "autolaunch:"},
+                                   {"PATH", script.parent_path().string() + ":/usr/bin:/bin"}}});
+    panel.waitForItem();
+    EXPECT_FALSE(fs::exists(program.home / "launched"));
+    EXPECT_EQ(program.terminate(), 0);
+}
+
+TEST_F(ProgramStatusItemTest, NonsenseFromTheBusWhileAnAlertIsUpChangesNothing) {
+    program.bind({{"/opt/nowhere/Missing.desktop", program.shortcut}});
+    program.start();
+    const std::string name = "org.kde.StatusNotifierItem-" + std::to_string(program.pid()) + "-1";
+    program.session.start({"gdbus", "wait", "--session", name}).waitForExit();
+    program.press(program.shortcut);
+    const xcb_window_t alert = program.waitForOwnWindow();
+    const auto call = [&](const std::string& path, const std::string& method,
+                          std::vector<std::string> arguments) {
+        std::vector<std::string> command{"gdbus",         "call", "--session", "--dest", name,
+                                         "--object-path", path,   "--method",  method};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        program.session.start(command).waitForExit();
+    };
+    const std::string item = "org.kde.StatusNotifierItem.";
+    const std::string menu = "com.canonical.dbusmenu.";
+    for (int i = 0; i < 5; ++i) call("/StatusNotifierItem", item + "Activate", {"1", "2"});
+    call("/StatusNotifierItem", item + "Activate", {"'one'", "'two'"});
+    call("/StatusNotifierItem", item + "Scroll", {"2147483647", "'sideways'"});
+    call("/StatusNotifierItem", item + "NoSuchThing", {});
+    call("/MenuBar", menu + "Event", {"--", "-7", "'clicked'", "<'x'>", "0"});
+    call("/MenuBar", menu + "EventGroup", {"[(99, 'clicked', <1>, 0)]"});
+    call("/MenuBar", menu + "GetLayout", {"--", "-1", "-1", "[]"});
+    call("/MenuBar", menu + "AboutToShowGroup", {"[1, 2, 3]"});
+    EXPECT_TRUE(program.isRunning());
+    EXPECT_TRUE(probe().isViewable(alert));
+    EXPECT_EQ(probe().clientList().size(), 1u);
+    input().tap("ESCAPE");
+    EXPECT_TRUE(program.waitUntilGone(alert));
+    // The clicks that came meanwhile are one.
+    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel");
+    EXPECT_EQ(program.terminate(), 0);
+    EXPECT_THAT(program.linesSinceReady(), testing::IsEmpty());
+}
+
 TEST_F(ProgramStatusItemTest, ABusThatDiesCostsALineAndNothingElse) {
     std::optional<Panel> panel(std::in_place, PanelKind::lxqtPanel, program.session);
     const xcb_window_t window = program.startWithWindow("left");
@@ -246,26 +330,6 @@ TEST_F(ProgramStatusItemTest, ABusThatDiesAfterAnActivationOverItDoesNotEndThePr
     program.session.bus().kill();
     EXPECT_TRUE(program.waitForLine("Quorvel: the session bus has gone"));
     EXPECT_TRUE(neverWithin(300ms, [&] { return !program.isRunning(); }));
-    EXPECT_EQ(program.terminate(), 0);
-}
-
-TEST_F(ProgramStatusItemTest, WithoutItsIconItShowsACircle) {
-    const fs::path elsewhere = program.session.folder() / "moved";
-    fs::create_directories(elsewhere);
-    fs::copy(ProgramOnX::defaultPath(), elsewhere / "Quorvel");
-    fs::copy(QUORVEL_INTERFACE_MODULE, elsewhere / "quorvel-interface.so");
-    Panel panel(PanelKind::trayer, program.session);
-    program.bind({{program.path, program.shortcut, "left"}});
-    program.start({.executable = elsewhere / "Quorvel"});
-    constexpr std::uint32_t grey = 0x8A8A8A;
-    std::optional<Rect> circle;
-    ASSERT_TRUE(waitUntil([&] {
-        circle = probe().boundsOfColoursNear(grey, 4, {0, 0, 1280, 32});
-        return circle && circle->width > 10;
-    }));
-    keepPicture("status-item-without-icon");
-    EXPECT_FALSE(panel.item());
-    closeAndWait(settingsAfterClick(*circle));
     EXPECT_EQ(program.terminate(), 0);
 }
 

@@ -41,7 +41,7 @@ protected:
         bus.connect();
         peer.connect();
         EXPECT_TRUE(waitInLoop([&] { return bus.connection() && peer.connection(); }));
-        item.emplace(bus.connection(), content,
+        item.emplace(bus.connection(), loop, content,
                      native::StatusNotifierItem::Handlers{
                          [this](StatusItemEvent::Type type) { clicks.push_back(type); },
                          [this] { return makeMenu(); }, [this] { ++changes; }});
@@ -141,6 +141,10 @@ protected:
     std::string itemName;
 
 private:
+    static std::string keyOf(const std::string& title) {
+        return title == "Settings…" ? "," : title == "Quit" ? "q" : "";
+    }
+
     Menu makeMenu() {
         ++menusMade;
         Menu menu;
@@ -148,7 +152,7 @@ private:
             if (title.empty()) {
                 menu.push_back(MenuItem::separator());
             } else {
-                menu.push_back({title, [this, title] { chosen.push_back(title); }});
+                menu.push_back({title, [this, title] { chosen.push_back(title); }, keyOf(title)});
             }
         }
         return menu;
@@ -170,6 +174,23 @@ TEST_F(StatusNotifierTest, TheMenuHasItsEntriesAndTheyDoTheirWork) {
 TEST_F(StatusNotifierTest, AnUnderscoreInATitleIsNoKeyOfIt) {
     titles = {"a_b"};
     EXPECT_THAT(layout().labels, ElementsAre("a__b"));
+}
+
+TEST_F(StatusNotifierTest, OnlyThePropertiesThatAreNamedAreTold) {
+    titles = {"Settings…", "", "Quit"};
+    const auto told = [this](std::initializer_list<const char*> names) {
+        GVariantBuilder wanted;
+        g_variant_builder_init(&wanted, G_VARIANT_TYPE("as"));
+        for (const char* const name : names) g_variant_builder_add(&wanted, "s", name);
+        const auto answer = onMenu("GetGroupProperties", g_variant_new("(aias)", nullptr, &wanted));
+        return answer.value ? native::takeText(g_variant_print(answer.value.get(), FALSE)) : "";
+    };
+    layout();
+    EXPECT_EQ(told({"shortcut"}),
+              "([(0, {}), (1, {'shortcut': <[['Super', 'comma']]>}), (2, {}), "
+              "(3, {'shortcut': <[['Super', 'q']]>})],)");
+    EXPECT_EQ(told({"type", "none"}),
+              "([(0, {}), (1, {}), (2, {'type': <'separator'>}), (3, {})],)");
 }
 
 TEST_F(StatusNotifierTest, AClickOnAnEntryOfAnOlderMenuDoesNothing) {
@@ -339,6 +360,66 @@ TEST_F(StatusNotifierTest, AWatcherThatRefusesCountsAsNone) {
     watcher.refuses = true;
     EXPECT_TRUE(waitInLoop([&] { return !watcher.registered.empty(); }));
     EXPECT_TRUE(neverInLoop(100ms, [&] { return item->isHosted(); }));
+    // That a panel has come is a reason to ask again, but not an answer.
+    watcher.say(g_variant_new_boolean(TRUE), "StatusNotifierHostRegistered");
+    EXPECT_TRUE(waitInLoop([&] { return watcher.registered.size() == 2; }));
+    EXPECT_TRUE(neverInLoop(100ms, [&] { return item->isHosted(); }));
+    watcher.refuses = false;
+    watcher.say(g_variant_new_boolean(TRUE), "StatusNotifierHostRegistered");
+    EXPECT_TRUE(waitInLoop([&] { return item->isHosted(); }));
+}
+
+/// A watcher by hand: it answers when the test wants it to.
+class SlowWatcher {
+public:
+    explicit SlowWatcher(GDBusConnection* connection) : connection(connection) {
+        node = g_dbus_node_info_new_for_xml(
+            R"(<node><interface name="org.kde.StatusNotifierWatcher">
+<property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
+<method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
+</interface></node>)",
+            nullptr);
+        table.method_call = [](GDBusConnection*, const gchar*, const gchar*, const gchar*,
+                               const gchar*, GVariant*, GDBusMethodInvocation* invocation,
+                               gpointer self) {
+            static_cast<SlowWatcher*>(self)->asked.push_back(invocation);
+        };
+        table.get_property = [](GDBusConnection*, const gchar*, const gchar*, const gchar*,
+                                const gchar*, GError**,
+                                gpointer) { return g_variant_new_boolean(TRUE); };
+        object =
+            g_dbus_connection_register_object(connection, "/StatusNotifierWatcher",
+                                              node->interfaces[0], &table, this, nullptr, nullptr);
+        name = g_bus_own_name_on_connection(connection, watcherName, G_BUS_NAME_OWNER_FLAGS_NONE,
+                                            nullptr, nullptr, nullptr, nullptr);
+    }
+    ~SlowWatcher() {
+        g_bus_unown_name(name);
+        g_dbus_connection_unregister_object(connection, object);
+        g_dbus_node_info_unref(node);
+    }
+    SlowWatcher(const SlowWatcher&) = delete;
+    SlowWatcher& operator=(const SlowWatcher&) = delete;
+
+    std::vector<GDBusMethodInvocation*> asked;
+
+private:
+    GDBusConnection* connection;
+    GDBusNodeInfo* node = nullptr;
+    GDBusInterfaceVTable table{};
+    guint object = 0;
+    guint name = 0;
+};
+
+TEST_F(StatusNotifierTest, AWatcherThatIsSlowToTakeItCountsWhenItHas) {
+    SlowWatcher watcher(peer.connection());
+    EXPECT_TRUE(waitInLoop([&] { return watcher.asked.size() == 1; }));
+    // Meanwhile it may go into a tray.
+    EXPECT_TRUE(waitInLoop([&] { return item->isSettled(); }));
+    EXPECT_FALSE(item->isHosted());
+    g_dbus_method_invocation_return_value(watcher.asked[0], nullptr);
+    EXPECT_TRUE(waitInLoop([&] { return item->isHosted(); }));
+    EXPECT_EQ(watcher.asked.size(), 1u);
 }
 
 TEST_F(StatusNotifierTest, AStormOfSignalsIsAnsweredByFewQuestions) {

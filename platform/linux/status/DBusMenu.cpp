@@ -80,7 +80,8 @@ std::string labelOf(std::string_view title) {
     return label;
 }
 
-/// The names of keys are GDK's.
+/// The names of keys are GDK's. Panels on Qt show none for the comma, whose name they do not know;
+/// by the character itself those on GTK would show none.
 GVariant* shortcutOf(const std::string& key) {
     GVariantBuilder shortcuts;
     g_variant_builder_init(&shortcuts, G_VARIANT_TYPE("aas"));
@@ -91,27 +92,52 @@ GVariant* shortcutOf(const std::string& key) {
     return g_variant_builder_end(&shortcuts);
 }
 
-/// What differs from the interface's defaults.
-GVariant* propertiesOf(const MenuItem& item) {
-    GVariantBuilder properties;
-    g_variant_builder_init(&properties, G_VARIANT_TYPE("a{sv}"));
-    if (item.isSeparator()) {
-        g_variant_builder_add(&properties, "{sv}", "type", g_variant_new_string("separator"));
-    } else {
-        g_variant_builder_add(&properties, "{sv}", "label",
-                              g_variant_new_string(labelOf(item.title).c_str()));
+using Names = std::vector<std::string>;
+
+Names namesIn(GVariant* arguments, gsize index) {
+    const OwnedVariant list(g_variant_get_child_value(arguments, index));
+    Names names;
+    for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
+        const char* name = nullptr;
+        g_variant_get_child(list.get(), i, "&s", &name);
+        names.emplace_back(name);
     }
-    if (!item.keyEquivalent.empty()) {
-        g_variant_builder_add(&properties, "{sv}", "shortcut", shortcutOf(item.keyEquivalent));
-    }
-    return g_variant_builder_end(&properties);
+    return names;
 }
 
-GVariant* rootProperties() {
-    GVariantBuilder properties;
-    g_variant_builder_init(&properties, G_VARIANT_TYPE("a{sv}"));
-    g_variant_builder_add(&properties, "{sv}", "children-display", g_variant_new_string("submenu"));
-    return g_variant_builder_end(&properties);
+/// Those of the properties that are asked for; where no names are given, all.
+OwnedVariant chosenFrom(GVariantDict& all, const Names& wanted) {
+    OwnedVariant everything(g_variant_ref_sink(g_variant_dict_end(&all)));
+    if (wanted.empty()) return everything;
+    GVariantDict chosen;
+    g_variant_dict_init(&chosen, nullptr);
+    for (const std::string& name : wanted) {
+        const OwnedVariant value(g_variant_lookup_value(everything.get(), name.c_str(), nullptr));
+        if (value) g_variant_dict_insert_value(&chosen, name.c_str(), value.get());
+    }
+    return OwnedVariant(g_variant_ref_sink(g_variant_dict_end(&chosen)));
+}
+
+/// What differs from the interface's defaults.
+OwnedVariant propertiesOf(const MenuItem& item, const Names& wanted = {}) {
+    GVariantDict all;
+    g_variant_dict_init(&all, nullptr);
+    if (item.isSeparator()) {
+        g_variant_dict_insert(&all, "type", "s", "separator");
+    } else {
+        g_variant_dict_insert(&all, "label", "s", labelOf(item.title).c_str());
+    }
+    if (!item.keyEquivalent.empty()) {
+        g_variant_dict_insert_value(&all, "shortcut", shortcutOf(item.keyEquivalent));
+    }
+    return chosenFrom(all, wanted);
+}
+
+OwnedVariant rootProperties(const Names& wanted = {}) {
+    GVariantDict all;
+    g_variant_dict_init(&all, nullptr);
+    g_variant_dict_insert(&all, "children-display", "s", "submenu");
+    return chosenFrom(all, wanted);
 }
 
 }  // namespace
@@ -213,6 +239,7 @@ GVariant* DBusMenu::layout(GVariant* arguments, Failure& failure) {
     std::int32_t parent = 0;
     std::int32_t depth = 0;
     g_variant_get(arguments, "(iias)", &parent, &depth, nullptr);
+    const Names wanted = namesIn(arguments, 2);
     // Not every panel says when it is about to show the menu, but each asks for it.
     if (parent == rootId) update();
     const Entry* const entry = find(parent);
@@ -224,18 +251,22 @@ GVariant* DBusMenu::layout(GVariant* arguments, Failure& failure) {
     g_variant_builder_init(&children, G_VARIANT_TYPE("av"));
     if (parent == rootId && depth != 0) {
         for (const auto& [id, item] : entries) {
-            g_variant_builder_add(&children, "v",
-                                  g_variant_new("(i@a{sv}av)", id, propertiesOf(item), nullptr));
+            g_variant_builder_add(
+                &children, "v",
+                g_variant_new("(i@a{sv}av)", id, propertiesOf(item, wanted).get(), nullptr));
         }
     }
-    GVariant* const properties = entry != nullptr ? propertiesOf(entry->item) : rootProperties();
-    return g_variant_new("(u(i@a{sv}av))", revision.value_or(0), parent, properties, &children);
+    const OwnedVariant properties =
+        entry != nullptr ? propertiesOf(entry->item, wanted) : rootProperties(wanted);
+    return g_variant_new("(u(i@a{sv}av))", revision.value_or(0), parent, properties.get(),
+                         &children);
 }
 
 GVariant* DBusMenu::groupProperties(GVariant* arguments) {
     GVariantBuilder result;
     g_variant_builder_init(&result, G_VARIANT_TYPE("a(ia{sv})"));
     const OwnedVariant ids(g_variant_get_child_value(arguments, 0));
+    const Names names = namesIn(arguments, 1);
     const bool wantsAll = g_variant_n_children(ids.get()) == 0;
     const auto isWanted = [&](std::int32_t id) {
         GVariantIter iterator;
@@ -246,9 +277,12 @@ GVariant* DBusMenu::groupProperties(GVariant* arguments) {
         }
         return wantsAll;
     };
-    if (isWanted(rootId)) g_variant_builder_add(&result, "(i@a{sv})", rootId, rootProperties());
+    const auto add = [&](std::int32_t id, const OwnedVariant& properties) {
+        g_variant_builder_add(&result, "(i@a{sv})", id, properties.get());
+    };
+    if (isWanted(rootId)) add(rootId, rootProperties(names));
     for (const auto& [id, item] : entries) {
-        if (isWanted(id)) g_variant_builder_add(&result, "(i@a{sv})", id, propertiesOf(item));
+        if (isWanted(id)) add(id, propertiesOf(item, names));
     }
     return g_variant_new("(a(ia{sv}))", &result);
 }
@@ -259,8 +293,8 @@ GVariant* DBusMenu::property(GVariant* arguments, Failure& failure) {
     g_variant_get(arguments, "(i&s)", &id, &name);
     const Entry* const entry = find(id);
     if (id == rootId || entry != nullptr) {
-        const OwnedVariant properties(
-            g_variant_ref_sink(entry != nullptr ? propertiesOf(entry->item) : rootProperties()));
+        const OwnedVariant properties =
+            entry != nullptr ? propertiesOf(entry->item) : rootProperties();
         const OwnedVariant value(g_variant_lookup_value(properties.get(), name, nullptr));
         if (value) return g_variant_new("(v)", value.get());
     }

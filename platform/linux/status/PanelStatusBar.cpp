@@ -88,7 +88,7 @@ private:
         if (bus.connection() == nullptr) {
             notifier.reset();
         } else if (!notifier) {
-            notifier.emplace(bus.connection(), content,
+            notifier.emplace(bus.connection(), surroundings.runLoop, content,
                              StatusNotifierItem::Handlers{[this](StatusItemEvent::Type type) {
                                                               // The protocol does not tell what is
                                                               // held on the keyboard.
@@ -115,8 +115,11 @@ private:
 
     /// From the loop's own turn: the call may come in while an alert spins.
     void clicked(const StatusItemEvent& event) {
+        if (std::exchange(isClicked, true)) return;
         surroundings.runLoop.async([this, alive = life.watch(), event] {
-            if (!alive.expired() && action) action(event);
+            if (alive.expired()) return;
+            isClicked = false;
+            if (action) action(event);
         });
     }
 
@@ -138,6 +141,7 @@ private:
     std::optional<StatusNotifierItem> notifier;
     TrayWindow tray;
     Subscription managerChanges;
+    bool isClicked = false;  ///< and the click still waits for its turn
     int choices = 0;
     Lifetime life;
 };

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
+#include <string_view>
 #include <utility>
 
 namespace quorvel::native {
@@ -12,7 +14,9 @@ namespace {
 using std::chrono::seconds;
 
 constexpr seconds firstPatience{1};
-constexpr seconds longestPatience{300};
+constexpr seconds longestPatience{30};
+/// A bus that accepts a connection and then says nothing counts as none.
+constexpr seconds answerWithin{3};
 
 }  // namespace
 
@@ -30,7 +34,11 @@ SessionBus::~SessionBus() {
 /// As the reference library does it, but for its last resort, which starts a bus.
 std::optional<std::string> SessionBus::address() {
     const char* const told = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (told != nullptr && *told != '\0') return told;
+    if (told != nullptr && *told != '\0') {
+        // That would start one.
+        if (std::string_view(told).starts_with("autolaunch:")) return std::nullopt;
+        return told;
+    }
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
     if (folder == nullptr || *folder != '/') return std::nullopt;
     const std::string socket = std::string(folder) + "/bus";
@@ -70,6 +78,14 @@ void SessionBus::connect() {
             }
         },
         new Attempt{this, life.watch()});
+    runLoop.after(answerWithin, [this, alive = life.watch(), attempt = ++attempts] {
+        if (!alive.expired() && attempt == attempts && pending) g_cancellable_cancel(pending.get());
+    });
+}
+
+bool SessionBus::waitUntilSettled() {
+    while (!settled) g_main_context_iteration(nullptr, TRUE);
+    return bus != nullptr;
 }
 
 Subscription SessionBus::onChange(std::function<void()> handler) {

@@ -33,6 +33,9 @@ public:
     /// Whether it is known by now that there is a bus, or that there is none.
     bool isSettled() const { return settled; }
 
+    /// Turns the loop until it is; gives whether there is one.
+    bool waitUntilSettled();
+
     /// The connection has come, has gone, or will not come for now.
     [[nodiscard]] Subscription onChange(std::function<void()> handler);
 
@@ -47,6 +50,7 @@ private:
     ObjectRef<GCancellable> pending;
     gulong closedHandler = 0;
     bool settled = false;
+    int attempts = 0;
     std::chrono::seconds patience;
     Subscribers<> handlers;
     Lifetime life;

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <string_view>
 #include <utility>
 
@@ -12,6 +13,8 @@ constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
 constexpr const char* itemPath = "/StatusNotifierItem";
 constexpr int answerWithinMilliseconds = 5000;
+/// A panel that is busy starting may take the item much later than this; until then nobody has it.
+constexpr std::chrono::seconds registrationPatience{3};
 
 constexpr const char* introspection = R"xml(<node><interface name="org.kde.StatusNotifierItem">
 <property name="Category" type="s" access="read"/>
@@ -62,9 +65,10 @@ GVariant* noPictures() {
 
 }  // namespace
 
-StatusNotifierItem::StatusNotifierItem(GDBusConnection* connection,
+StatusNotifierItem::StatusNotifierItem(GDBusConnection* connection, RunLoop& runLoop,
                                        const StatusItemContent& content, Handlers handlers)
     : connection(connection),
+      runLoop(runLoop),
       content(content),
       handlers(std::move(handlers)),
       busName("org.kde.StatusNotifierItem-" + std::to_string(getpid()) + "-1"),
@@ -80,7 +84,7 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* connection,
         [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* signal,
            GVariant*, gpointer self) {
             if (std::string_view(signal).starts_with("StatusNotifierHost")) {
-                static_cast<StatusNotifierItem*>(self)->askForHosts();
+                static_cast<StatusNotifierItem*>(self)->hostsChanged();
             }
         },
         this, nullptr);
@@ -164,39 +168,61 @@ GVariant* StatusNotifierItem::pictures() const {
 
 void StatusNotifierItem::watcherAppeared(const char* owner) {
     watcher = owner;
+    isRegistered = false;
     registerItem();
 }
 
 void StatusNotifierItem::watcherVanished() {
     watcher.clear();
+    isRegistered = false;
     setHosted(false);
 }
 
+void StatusNotifierItem::hostsChanged() {
+    if (isRegistered) {
+        askForHosts();
+    } else {
+        // Refused so far; a panel that has just come may change that.
+        registerItem();
+    }
+}
+
 void StatusNotifierItem::registerItem() {
+    if (watcher.empty() || !askedWatcher.empty()) return;
+    askedWatcher = watcher;
     g_dbus_connection_call(
         connection, watcher.c_str(), watcherPath, watcherName, "RegisterStatusNotifierItem",
-        g_variant_new("(s)", busName.c_str()), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        answerWithinMilliseconds, calls.get(),
+        g_variant_new("(s)", busName.c_str()), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, G_MAXINT,
+        calls.get(),
         [](GObject* source, GAsyncResult* result, gpointer self) {
             GError* error = nullptr;
             const OwnedVariant answer(
                 g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
             const OwnedError owner(error);
             if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE) return;
-            auto* const item = static_cast<StatusNotifierItem*>(self);
-            if (answer) {
-                item->askForHosts();
-            } else {
-                item->setHosted(false);
-            }
+            static_cast<StatusNotifierItem*>(self)->registered(answer != nullptr);
         },
         this);
+    runLoop.after(registrationPatience, [this, alive = life.watch()] {
+        if (!alive.expired() && !settled) setHosted(false);
+    });
+}
+
+void StatusNotifierItem::registered(bool accepted) {
+    // Another may have come while that one was asked.
+    if (std::exchange(askedWatcher, {}) != watcher) return registerItem();
+    isRegistered = accepted;
+    if (isRegistered) {
+        askForHosts();
+    } else {
+        setHosted(false);
+    }
 }
 
 /// A watcher without a panel knows of the item, but nobody shows it.
 void StatusNotifierItem::askForHosts() {
     asksAgain = isAsking;
-    if (watcher.empty() || std::exchange(isAsking, true)) return;
+    if (!isRegistered || std::exchange(isAsking, true)) return;
     g_dbus_connection_call(
         connection, watcher.c_str(), watcherPath, "org.freedesktop.DBus.Properties", "Get",
         g_variant_new("(ss)", watcherName, "IsStatusNotifierHostRegistered"), G_VARIANT_TYPE("(v)"),
@@ -225,7 +251,7 @@ void StatusNotifierItem::askForHosts() {
 
 void StatusNotifierItem::setHosted(bool isHostedNow) {
     // The watcher may have gone while its answer was on the way.
-    const bool before = std::exchange(hosted, isHostedNow && !watcher.empty());
+    const bool before = std::exchange(hosted, isHostedNow && isRegistered);
     const bool wasSettled = std::exchange(settled, true);
     if (hosted != before || !wasSettled) handlers.changed();
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/RunLoop.hpp"
 #include "platform/StatusBar.hpp"
 #include "platform/linux/status/DBusMenu.hpp"
 #include "platform/linux/status/ExportedObject.hpp"
@@ -31,9 +32,9 @@ public:
         std::function<void()> changed;
     };
 
-    /// The content and the connection outlive the item.
-    StatusNotifierItem(GDBusConnection* connection, const StatusItemContent& content,
-                       Handlers handlers);
+    /// All that is named here outlives the item.
+    StatusNotifierItem(GDBusConnection* connection, RunLoop& runLoop,
+                       const StatusItemContent& content, Handlers handlers);
     ~StatusNotifierItem();
     StatusNotifierItem(const StatusNotifierItem&) = delete;
     StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
@@ -52,12 +53,15 @@ private:
     ExportedObject::Description description();
     void watcherAppeared(const char* owner);
     void watcherVanished();
+    void hostsChanged();
     void registerItem();
+    void registered(bool accepted);
     void askForHosts();
     void setHosted(bool isHostedNow);
     GVariant* pictures() const;
 
     GDBusConnection* connection;
+    RunLoop& runLoop;
     const StatusItemContent& content;
     Handlers handlers;
     std::string busName;
@@ -68,10 +72,13 @@ private:
     guint nameOwnership = 0;
     guint watcherWatch = 0;
     guint hostSignals = 0;
+    std::string askedWatcher;   ///< to take it; empty while none is asked
+    bool isRegistered = false;  ///< the watcher has taken it
     bool isAsking = false;
     bool asksAgain = false;  ///< something has happened since it was asked
     bool hosted = false;
     bool settled = false;
+    Lifetime life;
 };
 
 }  // namespace quorvel::native

@@ -15,8 +15,12 @@ constexpr int naturalSize = 22;
 constexpr std::uint32_t xembedVersion = 0;
 constexpr std::uint32_t xembedMapped = 1;
 constexpr std::uint32_t requestDock = 0;
-/// After a window was destroyed under us: longer than a tray takes to go away.
-constexpr std::chrono::milliseconds beforeNextTry{200};
+/// No tray shows more of it, and a picture must fit into one request.
+constexpr int largestSize = 256;
+/// After a window was destroyed under us: longer than a tray takes to go away, and the longer the
+/// more often it happens.
+constexpr std::chrono::milliseconds firstPatience{200};
+constexpr std::chrono::seconds longestPatience{60};
 
 int screenNumber(const XConnection& x) {
     int number = 0;
@@ -58,6 +62,7 @@ TrayWindow::TrayWindow(XConnection& x, RunLoop& runLoop, const StatusItemContent
       runLoop(runLoop),
       content(content),
       clicked(std::move(clicked)),
+      patience(firstPatience),
       selection(x.atom("_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber(x)))),
       events(x.onEvent([this](const xcb_generic_event_t& event) { handle(event); })) {
     // Trays announce themselves there.
@@ -90,6 +95,7 @@ void TrayWindow::handle(const xcb_generic_event_t& event) {
             if (message.window == x.root() && message.type == x.atom("MANAGER") &&
                 message.data.data32[1] == selection && wanted) {
                 leaveTray();
+                patience = firstPatience;
                 lookForTray();
             }
             return;
@@ -100,10 +106,7 @@ void TrayWindow::handle(const xcb_generic_event_t& event) {
             if (!isOurs && (gone != tray || tray == XCB_WINDOW_NONE)) return;
             if (isOurs) window = XCB_WINDOW_NONE;
             leaveTray();
-            // Another may have taken its place already.
-            runLoop.after(beforeNextTry, [this, alive = life.watch()] {
-                if (!alive.expired() && wanted && tray == XCB_WINDOW_NONE) lookForTray();
-            });
+            tryAgain();
             return;
         }
         case XCB_REPARENT_NOTIFY: {
@@ -143,6 +146,14 @@ void TrayWindow::handleRelease(const xcb_button_release_event_t& event) const {
     } else if (event.detail == XCB_BUTTON_INDEX_3) {
         clicked({StatusItemEvent::Type::rightMouseUp, control});
     }
+}
+
+/// Another tray may have taken the place of the one that has gone.
+void TrayWindow::tryAgain() {
+    runLoop.after(patience, [this, alive = life.watch()] {
+        if (!alive.expired() && wanted && tray == XCB_WINDOW_NONE) lookForTray();
+    });
+    patience = std::min<RunLoop::Duration>(patience * 2, longestPatience);
 }
 
 void TrayWindow::lookForTray() {
@@ -238,7 +249,7 @@ void TrayWindow::sizeChanged(int newWidth, int newHeight) {
 }
 
 void TrayWindow::draw() const {
-    const IconImage icon = iconOfSize(content.icons, std::min(width, height));
+    const IconImage icon = iconOfSize(content.icons, std::min({width, height, largestSize}));
     const xcb_render_query_pict_formats_reply_t* const formats =
         xcb_render_util_query_formats(x.xcb());
     if (formats == nullptr || icon.size <= 0) return;

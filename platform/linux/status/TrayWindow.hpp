@@ -35,6 +35,7 @@ private:
     void create();
     void destroy();
     void leaveTray();
+    void tryAgain();
     void setProperties() const;
     void sizeChanged(int width, int height);
     void draw() const;
@@ -43,6 +44,7 @@ private:
     RunLoop& runLoop;
     const StatusItemContent& content;
     std::function<void(const StatusItemEvent&)> clicked;
+    RunLoop::Duration patience;  ///< before the next try
     xcb_atom_t selection;
     bool wanted = false;
     xcb_window_t tray = XCB_WINDOW_NONE;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/support/x11/ChildProcess.hpp"
+#include "tests/support/x11/DBusSession.hpp"
 #include "tests/support/x11/ScratchFolder.hpp"
 
 namespace quorvel::test {
@@ -27,11 +28,13 @@ protected:
     fs::path log = home / "Library/Logs/Quorvel.log";
     fs::path autostart = home / ".config/autostart/com.tessivane.quorvel.desktop";
 
-    Environment environment{{"HOME", home},
-                            {"PATH", "/usr/bin:/bin"},
-                            {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"}};
+    Environment environment{{"HOME", home}, {"PATH", "/usr/bin:/bin"}};
+    DBusSession bus{environment, folder};
 
-    void SetUp() override { fs::create_directory(home); }
+    void SetUp() override {
+        fs::create_directory(home);
+        environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    }
 
     /// The exit status; -1 when it did not end by itself.
     int run(std::vector<std::string> arguments, const fs::path& program = QUORVEL_PROGRAM) {
@@ -64,12 +67,16 @@ TEST_F(ProgramTest, WithoutAServerItSaysSoInOneLineAndFails) {
 }
 
 TEST_F(ProgramTest, WithNeitherServerNorSessionBusThereIsNoPlaceForItsItemEither) {
-    environment.erase("DBUS_SESSION_BUS_ADDRESS");
-    EXPECT_EQ(run({}), 1);
-    EXPECT_THAT(
-        linesOf(log),
-        ElementsAre(EndsWith("Quorvel: cannot start — DISPLAY is not set"),
-                    EndsWith("Quorvel: the system refused to create a status item button.")));
+    bus.kill();
+    for (const bool isTold : {true, false}) {
+        if (!isTold) environment.erase("DBUS_SESSION_BUS_ADDRESS");
+        fs::remove(log);
+        EXPECT_EQ(run({}), 1);
+        EXPECT_THAT(
+            linesOf(log),
+            ElementsAre(EndsWith("Quorvel: cannot start — DISPLAY is not set"),
+                        EndsWith("Quorvel: the system refused to create a status item button.")));
+    }
 }
 
 TEST_F(ProgramTest, ASecondStartAppendsToTheSameLog) {
