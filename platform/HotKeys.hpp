@@ -45,6 +45,10 @@ public:
     virtual HotKeyRegistration registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                               HotKeyID id) = 0;
 
+    /// The virtual key code of the ANSI layout for the place of a key, which a key event tells by
+    /// its native scan code; nothing for a key that no shortcut can name.
+    virtual std::optional<std::uint32_t> virtualKeyCode(std::uint32_t nativeScanCode) = 0;
+
     /// An unknown reference is ignored.
     virtual void unregisterHotKey(HotKeyRef ref) = 0;
 };

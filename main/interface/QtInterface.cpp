@@ -32,7 +32,7 @@ void QtInterface::dismissAlert() {
     if (alertBox != nullptr) alertBox->reject();
 }
 
-void QtInterface::showSettings() {
+void QtInterface::showSettings(SettingsHost&) {
     if (!settingsWindowController) {
         settingsWindowController = std::make_unique<SettingsWindowController>(front);
     }

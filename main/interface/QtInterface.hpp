@@ -20,7 +20,7 @@ public:
 
     int runAlert(const Alert& alert) override;
     void dismissAlert() override;
-    void showSettings() override;
+    void showSettings(SettingsHost& host) override;
     void popUpMenu(const Menu& menu) override;
     void showPrompt(const std::string& reason, std::function<void()> closed) override;
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "main/shell/SettingsHost.hpp"
 #include "platform/StatusBar.hpp"
 
 namespace quorvel {
@@ -34,8 +35,8 @@ public:
     /// Ends the alert that is up, if any, as its last button would.
     virtual void dismissAlert() = 0;
 
-    /// Opens the settings window, or brings it to the front.
-    virtual void showSettings() = 0;
+    /// Opens the settings window, or brings it to the front. The host outlives the interface.
+    virtual void showSettings(SettingsHost& host) = 0;
 
     /// Opens the menu at the pointer and goes on at once. A menu that is still open closes.
     virtual void popUpMenu(const Menu& menu) = 0;

@@ -211,7 +211,7 @@ void LauncherController::applyAllHotZones(int dwellMs) {
 
 void LauncherController::openSettings() {
     if (Interface* const shown = interface()) {
-        shown->showSettings();
+        shown->showSettings(*this);
     } else {
         desktop.log.line("Quorvel: settings not shown — the interface is missing");
     }

@@ -14,6 +14,7 @@
 #include "main/shell/BindingHotKeys.hpp"
 #include "main/shell/HotZoneAssignment.hpp"
 #include "main/shell/Interface.hpp"
+#include "main/shell/SettingsHost.hpp"
 #include "main/tucking/EdgeRevealWatcher.hpp"
 #include "main/tucking/TuckController.hpp"
 #include "main/tucking/TuckEdge.hpp"
@@ -24,7 +25,7 @@ namespace quorvel {
 /// The one coordinator of the program: launches it, applies the settings, turns shortcuts into
 /// deeds, follows the active application and the displays, and puts all windows back at the end.
 /// Lives as long as the process.
-class LauncherController final : public ApplicationDelegate {
+class LauncherController final : public ApplicationDelegate, public SettingsHost {
 public:
     struct TuckConfig {
         std::optional<TuckEdge> edge;  ///< the preferred one across the displays
@@ -45,8 +46,7 @@ public:
     /// those attached now.
     void flattenPlacementsIfNeeded();
 
-    /// The one way in which settings take effect.
-    void reloadFromSettings();
+    void reloadFromSettings() override;
 
     /// Shows the settings window; a line in the log where the interface is missing.
     void openSettings();
@@ -71,7 +71,17 @@ public:
     const TuckController& tucking() const { return tuckController; }
 
     /// Validates the bindings, registers their shortcuts, then does `applyAllHotZones`.
-    void applyHotZone(int dwellMs);
+    void applyHotZone(int dwellMs) override;
+
+    void setAnimationStyle(TuckAnimationStyle style) override {
+        tuckController.animationStyle = style;
+    }
+    bool isTucked(const std::string& appPath, std::string_view edgeRaw) const override {
+        return tuckController.isTucked(appPath, edgeRaw);
+    }
+    void toggleTuck(const std::string& appPath, TuckEdge edge) override {
+        tuckController.toggleTuck(appPath, edge);
+    }
 
     /// What depends on the attached displays. Registers no shortcut.
     void applyAllHotZones(int dwellMs);

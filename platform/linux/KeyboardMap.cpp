@@ -168,6 +168,13 @@ std::optional<xcb_keycode_t> KeyboardMap::keycodeOf(std::uint32_t virtualKeyCode
     return found->second;
 }
 
+std::optional<std::uint32_t> KeyboardMap::virtualKeyCodeOf(xcb_keycode_t keycode) const {
+    for (const Position& position : positions) {
+        if (keycodeOf(position.virtualKeyCode) == keycode) return position.virtualKeyCode;
+    }
+    return std::nullopt;
+}
+
 std::optional<std::uint16_t> KeyboardMap::modifiersOf(std::uint32_t mask) const {
     const std::array<std::pair<std::uint32_t, std::uint16_t>, 4> table{
         {{0x1000, XCB_MOD_MASK_CONTROL},

@@ -32,6 +32,8 @@ struct KeyboardMap {
     static KeyboardMap read(const XConnection& x, bool xkb);
 
     std::optional<xcb_keycode_t> keycodeOf(std::uint32_t virtualKeyCode) const;
+    /// The other way round.
+    std::optional<std::uint32_t> virtualKeyCodeOf(xcb_keycode_t keycode) const;
     /// The server's modifiers for a mask of 0x1000 control, 0x800 option, 0x200 shift, 0x100
     /// command; nothing when the mask has other bits.
     std::optional<std::uint16_t> modifiersOf(std::uint32_t mask) const;

@@ -123,6 +123,12 @@ HotKeyRegistration X11HotKeys::registerHotKey(std::uint32_t keyCode, std::uint32
     return {0, ref};
 }
 
+std::optional<std::uint32_t> X11HotKeys::virtualKeyCode(std::uint32_t nativeScanCode) {
+    if (nativeScanCode > 0xFF) return std::nullopt;
+    learnKeyboard();
+    return keyboard.virtualKeyCodeOf(static_cast<xcb_keycode_t>(nativeScanCode));
+}
+
 void X11HotKeys::unregisterHotKey(HotKeyRef ref) {
     const auto found = std::find_if(hotKeys.begin(), hotKeys.end(),
                                     [&](const HotKey& hotKey) { return hotKey.ref == ref; });

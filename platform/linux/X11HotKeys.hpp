@@ -23,6 +23,7 @@ public:
     std::int32_t installEventHandler(HotKeyEventHandler handler, void* userData) override;
     HotKeyRegistration registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                       HotKeyID id) override;
+    std::optional<std::uint32_t> virtualKeyCode(std::uint32_t nativeScanCode) override;
     void unregisterHotKey(HotKeyRef ref) override;
 
 private:

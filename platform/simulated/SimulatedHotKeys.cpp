@@ -58,6 +58,13 @@ HotKeyRegistration SimulatedHotKeys::registerHotKey(std::uint32_t keyCode, std::
     return {0, ref};
 }
 
+std::optional<std::uint32_t> SimulatedHotKeys::virtualKeyCode(std::uint32_t nativeScanCode) {
+    constexpr std::uint32_t first = 8;
+    const std::uint32_t code = nativeScanCode - first;
+    if (nativeScanCode < first || code > 0x7F) return std::nullopt;
+    return code;
+}
+
 void SimulatedHotKeys::unregisterHotKey(HotKeyRef ref) {
     keys.erase(ref);
 }

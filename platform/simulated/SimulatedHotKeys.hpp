@@ -61,6 +61,8 @@ public:
     std::int32_t installEventHandler(HotKeyEventHandler eventHandler, void* data) override;
     HotKeyRegistration registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                       HotKeyID id) override;
+    /// Scan codes count from 8, as on an X server.
+    std::optional<std::uint32_t> virtualKeyCode(std::uint32_t nativeScanCode) override;
     void unregisterHotKey(HotKeyRef ref) override;
 
 private:

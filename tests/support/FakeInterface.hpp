@@ -33,7 +33,7 @@ public:
     }
 
     void dismissAlert() override { dismissed = true; }
-    void showSettings() override { ++settingsShown; }
+    void showSettings(SettingsHost&) override { ++settingsShown; }
     void popUpMenu(const Menu& menu) override { menus.push_back(menu); }
     void showPrompt(const std::string& reason, std::function<void()>) override {
         prompts.push_back(reason);

@@ -27,6 +27,7 @@ public:
     HotKeyRegistration registerHotKey(std::uint32_t, std::uint32_t, HotKeyID) override {
         return {0, HotKeyRef{1}};
     }
+    std::optional<std::uint32_t> virtualKeyCode(std::uint32_t) override { return std::nullopt; }
     void unregisterHotKey(HotKeyRef) override {}
 };
 

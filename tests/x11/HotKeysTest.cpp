@@ -108,6 +108,22 @@ TEST_F(HotKeysTest, EveryKeyFiresAtItsPosition) {
     }
 }
 
+TEST_F(HotKeysTest, AKeyIsKnownByItsPlaceOnAnyLayout) {
+    for (const char* const layout : {"us", "de", "fr"}) {
+        run({"setxkbmap", layout});
+        for (const test::KeyPosition& key : test::keyPositions()) {
+            const auto code = hotKeys->virtualKeyCode(session.input().keycode(key.name));
+            if (key.virtualCode == 0xFFFF) {
+                EXPECT_EQ(code, std::nullopt) << key.name;
+            } else {
+                EXPECT_EQ(code, key.virtualCode) << key.name;
+            }
+        }
+    }
+    EXPECT_EQ(hotKeys->virtualKeyCode(0), std::nullopt);
+    EXPECT_EQ(hotKeys->virtualKeyCode(4711), std::nullopt);
+}
+
 TEST_F(HotKeysTest, ModifiersAreExact) {
     const std::array<std::pair<std::uint32_t, std::string>, 4> all{
         {{control, "Control"}, {option, "Alt"}, {shift, "Shift"}, {command, "Super"}}};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QLabel>
+#include <QPalette>
+#include <QString>
+#include <QWidget>
+
+/// What the windows have in common. Sizes are device-independent pixels; colours follow the
+/// desktop's palette, light or dark.
+namespace quorvel::Style {
+
+enum class Colour { label, secondaryLabel, tertiaryLabel, separator, red, green, orange, accent };
+
+QColor colour(Colour role, const QPalette& palette);
+
+/// The desktop's font in this size.
+QFont font(int pixelSize, QFont::Weight weight = QFont::Normal);
+
+/// A label of plain text, whatever its text looks like; it follows changes of the palette.
+QLabel* label(const QString& text, int pixelSize, Colour role = Colour::label,
+              QFont::Weight weight = QFont::Normal);
+
+/// Of 11 pixels in the secondary colour, wrapped to at most this width.
+QLabel* caption(const QString& text, int maxWidth = 400);
+
+/// A horizontal line.
+QWidget* separator();
+
+}  // namespace quorvel::Style
