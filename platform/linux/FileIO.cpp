@@ -175,6 +175,15 @@ int renameToFreeName(const std::string& from, const std::string& to) {
     return error == 0 ? syncFolder(folderOf(to)) : error;
 }
 
+SettingAside setAside(const std::string& path) {
+    SettingAside result{EEXIST, linkDestination(path), {}};
+    for (int number = 1; result.error == EEXIST; ++number) {
+        result.to = result.from + ".unreadable-" + std::to_string(number);
+        result.error = renameToFreeName(result.from, result.to);
+    }
+    return result;
+}
+
 int createFolder(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) == 0) return S_ISDIR(status.st_mode) ? 0 : ENOTDIR;

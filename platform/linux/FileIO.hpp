@@ -51,6 +51,15 @@ int replaceFile(const std::string& path, const std::string& text);
 /// Gives a file a name that is still free; EEXIST when it is not. 0, or errno.
 int renameToFreeName(const std::string& from, const std::string& to);
 
+/// Takes a file that is of no use out of the way: it becomes `<path>.unreadable-<n>` with the first
+/// number that is free. A symbolic link stays, and what it leads to goes. 0, or errno.
+struct SettingAside {
+    int error = 0;
+    std::string from;  ///< `path`, or where it leads
+    std::string to;
+};
+SettingAside setAside(const std::string& path);
+
 /// Creates a folder and those above it, private to the user: 0 when it is there, else errno.
 int createFolder(const std::string& path);
 

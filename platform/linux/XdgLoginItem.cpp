@@ -3,10 +3,15 @@
 #include <glib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <sstream>
 
+#include "platform/Text.hpp"
+#include "platform/linux/DesktopEntryFile.hpp"
 #include "platform/linux/FileIO.hpp"
+#include "platform/linux/ProgramName.hpp"
 
 namespace quorvel::native {
 namespace {
@@ -20,7 +25,7 @@ struct KeyFileDeleter {
 };
 using KeyFile = std::unique_ptr<GKeyFile, KeyFileDeleter>;
 
-/// Null when the text is no entry at all: then there is nothing in it to keep.
+/// Null when the text is no entry at all.
 KeyFile parse(const std::string& text) {
     KeyFile file(g_key_file_new());
     const auto flags =
@@ -30,6 +35,24 @@ KeyFile parse(const std::string& text) {
         return nullptr;
     }
     return file;
+}
+
+/// An entry of nothing but the lines that switch it off or on, of whatever they stand in.
+KeyFile switchesIn(const std::string& text) {
+    std::string entry = "[" + std::string(group) + "]\n";
+    const std::string header = trimmed(entry);
+    bool isInGroup = true;  // also where the header is what is damaged
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        line = trimmed(line);
+        if (line.starts_with('[') && line.ends_with(']')) isInGroup = line == header;
+        const std::size_t equals = line.find('=');
+        if (!isInGroup || equals == std::string::npos) continue;
+        const std::string key = trimmed(line.substr(0, equals));
+        if (key == G_KEY_FILE_DESKTOP_KEY_HIDDEN || key == gnomeEnabled) entry += line + "\n";
+    }
+    KeyFile file = parse(entry);
+    return file ? std::move(file) : KeyFile(g_key_file_new());
 }
 
 bool has(GKeyFile* file, const char* key) {
@@ -53,6 +76,45 @@ std::string execArgument(const std::string& path) {
     return argument + "\"";
 }
 
+/// Unescaped; empty when there is none, or none that can be read.
+std::string textOf(GKeyFile* file, const char* key) {
+    gchar* value = g_key_file_get_string(file, group, key, nullptr);
+    std::string text = value != nullptr ? value : "";
+    g_free(value);
+    return text;
+}
+
+/// Whether the path stands there as a whole, not as a part of a longer one.
+bool holdsPath(std::string_view text, std::string_view path) {
+    constexpr std::string_view around = " \t\n\"'`\\=;&|()<>";
+    const auto isAround = [&](std::size_t at) {
+        return at >= text.size() || around.find(text[at]) != std::string_view::npos;
+    };
+    for (std::size_t at = 0; (at = text.find(path, at)) != std::string_view::npos; ++at) {
+        if ((at == 0 || isAround(at - 1)) && isAround(at + path.size())) return true;
+    }
+    return false;
+}
+
+bool isCopy(std::string word, const std::string& executable) {
+    for (std::size_t at = 0; (at = word.find("%%", at)) != std::string::npos; ++at) {
+        word.erase(at, 1);
+    }
+    return lastPathComponent(word) == lastPathComponent(executable) && canBeRun(word);
+}
+
+bool starts(GKeyFile* file, const std::string& executable) {
+    const std::string tryExec = textOf(file, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC);
+    if (executable.empty() || (!tryExec.empty() && !canBeRun(tryExec))) return false;
+    const std::string exec = textOf(file, G_KEY_FILE_DESKTOP_KEY_EXEC);
+    if (holdsPath(exec, executable) || exec.find(execArgument(executable)) != std::string::npos) {
+        return true;
+    }
+    const std::vector<std::string> words = splitCommandLine(exec);
+    return std::any_of(words.begin(), words.end(),
+                       [&](const std::string& word) { return isCopy(word, executable); });
+}
+
 }  // namespace
 
 XdgLoginItem::XdgLoginItem(const XdgFolders& folders, std::string executable)
@@ -62,13 +124,11 @@ XdgLoginItem::XdgLoginItem(const XdgFolders& folders, std::string executable)
 
 LoginItemStatus XdgLoginItem::status() const {
     const FileReading reading = readFile(path, largest);
-    const KeyFile file =
-        reading.outcome == FileReading::Outcome::read ? parse(reading.text) : nullptr;
-    if (!file) return LoginItemStatus::notRegistered;
+    KeyFile file = parse(reading.text);
+    if (!file) file = switchesIn(reading.text);
     if (isSwitchedOff(file.get())) return LoginItemStatus::requiresApproval;
-    // No desktop starts anything from an entry without it.
-    return has(file.get(), G_KEY_FILE_DESKTOP_KEY_EXEC) ? LoginItemStatus::enabled
-                                                        : LoginItemStatus::notRegistered;
+    return starts(file.get(), executable) ? LoginItemStatus::enabled
+                                          : LoginItemStatus::notRegistered;
 }
 
 std::optional<std::string> XdgLoginItem::registerItem() {
@@ -81,7 +141,9 @@ std::optional<std::string> XdgLoginItem::registerItem() {
     if (reading.outcome == FileReading::Outcome::failed) return errorText(reading.error);
 
     KeyFile file = parse(reading.text);
-    if (!file) file.reset(g_key_file_new());
+    const bool isToBeKept = !file && (reading.outcome == FileReading::Outcome::tooLarge ||
+                                      !trimmed(reading.text).empty());
+    if (!file) file = switchesIn(reading.text);
     const auto set = [&](const char* key, const std::string& value) {
         g_key_file_set_string(file.get(), group, key, value.c_str());
     };
@@ -99,8 +161,13 @@ std::optional<std::string> XdgLoginItem::registerItem() {
     const std::string text(data, length);
     g_free(data);
     if (const int error = createFolder(folder); error != 0) return errorText(error);
+    const SettingAside kept = isToBeKept ? setAside(path) : SettingAside{};
+    if (kept.error != 0) return errorText(kept.error);
     const int error = replaceFile(linkDestination(path), text);
-    return error == 0 ? std::nullopt : std::optional(errorText(error));
+    if (error == 0) return std::nullopt;
+    // Without it an entry that is switched off would be forgotten to be.
+    if (isToBeKept) static_cast<void>(renameToFreeName(kept.to, kept.from));
+    return errorText(error);
 }
 
 std::optional<std::string> XdgLoginItem::unregisterItem() {
