@@ -33,6 +33,10 @@ public:
     /// there is nothing but absent keys to remove it succeeds without a write.
     virtual bool apply(const std::vector<DefaultsChange>& changes) = 0;
 
+    /// Whether `apply` would refuse because the domain would become too large: then trying again
+    /// is of no use.
+    virtual bool areTooLarge(const std::vector<DefaultsChange>& changes) const = 0;
+
     /// One change, as `apply`.
     bool setObject(std::string_view key, const Value& value) {
         return apply({{std::string(key), value}});

@@ -47,22 +47,29 @@ bool migrate(Defaults& defaults, Log& log) {
             sources.push_back(sourceOf(domain, contents.back()));
         }
     }
-    const Migration::Plan plan = Migration::plan(markerSet, occupied, sources);
-
-    std::vector<DefaultsChange> changes;
-    for (std::size_t i = 0; i < sources.size(); ++i) {
-        if (plan.source != sources[i].domain) continue;
-        for (const std::string& key : plan.keys) changes.push_back({key, contents[i].at(key)});
+    for (;;) {
+        const Migration::Plan plan = Migration::plan(markerSet, occupied, sources);
+        std::vector<DefaultsChange> changes;
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            if (plan.source != sources[i].domain) continue;
+            for (const std::string& key : plan.keys) changes.push_back({key, contents[i].at(key)});
+        }
+        if (plan.setMarker) {
+            changes.push_back({std::string(Keys::didMigrateLegacySettings), Value(true)});
+        }
+        if (defaults.apply(changes)) {
+            if (plan.source) {
+                log.line(formatted("Quorvel: migrated %d setting(s) from %@", plan.keys.size(),
+                                   *plan.source));
+            }
+            return true;
+        }
+        if (!plan.source || !defaults.areTooLarge(changes)) return false;
+        // It would be at every launch.
+        for (Migration::Source& source : sources) {
+            if (plan.source == source.domain) source.keysPresent.clear();
+        }
     }
-    if (plan.setMarker) {
-        changes.push_back({std::string(Keys::didMigrateLegacySettings), Value(true)});
-    }
-    if (!defaults.apply(changes)) return false;
-    if (plan.source) {
-        log.line(
-            formatted("Quorvel: migrated %d setting(s) from %@", plan.keys.size(), *plan.source));
-    }
-    return true;
 }
 
 void flatten(const Settings& settings, const Screens& screens, const Files& files, Log& log) {

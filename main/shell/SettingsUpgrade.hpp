@@ -11,7 +11,7 @@
 namespace quorvel::SettingsUpgrade {
 
 /// Copies the settings of the program that came before this one, if there are any and this one has
-/// none. False when they could not be stored.
+/// none. What is too large to be stored counts as none. False when they could not be stored.
 bool migrate(Defaults& defaults, Log& log);
 
 /// Places what earlier versions kept for all displays on those attached now.

@@ -1,7 +1,6 @@
 #include "platform/linux/JsonDefaults.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 #include "platform/Text.hpp"
@@ -14,6 +13,19 @@ constexpr std::string_view fileName = "/defaults.json";
 bool isNameCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
            c == '_' || c == '.';
+}
+
+/// Nothing when JSON cannot express it; why, in `error`.
+std::optional<std::string> textWith(const std::vector<DefaultsChange>& changes,
+                                    JsonDocument document, std::string& error) {
+    for (const auto& [key, value] : changes) {
+        if (!value) {
+            document.remove(key);
+        } else if (!document.set(key, *value, error)) {
+            return std::nullopt;
+        }
+    }
+    return document.text();
 }
 
 }  // namespace
@@ -105,19 +117,13 @@ void JsonDefaults::couldNotSetAside(int error) const {
 }
 
 bool JsonDefaults::setAsideOwn() const {
-    const std::string from = linkDestination(own.path);
-    int error = EEXIST;
-    std::string to;
-    for (int number = 1; error == EEXIST; ++number) {
-        to = from + ".unreadable-" + std::to_string(number);
-        error = renameToFreeName(from, to);
-    }
-    if (error != 0) {
-        couldNotSetAside(error);
+    const SettingAside kept = native::setAside(own.path);
+    if (kept.error != 0) {
+        couldNotSetAside(kept.error);
         return false;
     }
-    log.line(
-        formatted("Quorvel: %@ cannot be read — %@; it is kept as %@", own.path, own.reason, to));
+    log.line(formatted("Quorvel: %@ cannot be read — %@; it is kept as %@", own.path, own.reason,
+                       kept.to));
     own = File(own.path);
     return true;
 }
@@ -157,20 +163,13 @@ bool JsonDefaults::update(const std::vector<DefaultsChange>& changes, std::strin
         return false;
     }
 
-    JsonDocument changed = own.document;
-    for (const auto& [key, value] : changes) {
-        if (!value) {
-            changed.remove(key);
-        } else if (!changed.set(key, *value, error)) {
-            return false;
-        }
-    }
-    const std::string text = changed.text();
-    if (text.size() > JsonDocument::largest) {
+    const auto text = textWith(changes, own.document, error);
+    if (!text) return false;
+    if (text->size() > JsonDocument::largest) {
         error = "too large";
         return false;
     }
-    if (const int failure = replaceFile(linkDestination(own.path), text); failure != 0) {
+    if (const int failure = replaceFile(linkDestination(own.path), *text); failure != 0) {
         error = errorText(failure);
         return false;
     }
@@ -192,6 +191,15 @@ bool JsonDefaults::apply(const std::vector<DefaultsChange>& changes) {
     log.line(
         formatted("Quorvel: could not store %@ in %@ — %@", joined(keys, ", "), own.path, error));
     return false;
+}
+
+bool JsonDefaults::areTooLarge(const std::vector<DefaultsChange>& changes) const {
+    if (!isUsable) return false;
+    const JsonDocument& stored = currentOwn();
+    if (own.outcome != Outcome::read && own.outcome != Outcome::absent) return false;
+    std::string error;
+    const auto text = textWith(changes, stored, error);
+    return text && text->size() > JsonDocument::largest;
 }
 
 Value::Dictionary JsonDefaults::persistentDomain(std::string_view name) const {

@@ -25,6 +25,7 @@ public:
 
     std::optional<Value> object(std::string_view key) const override;
     bool apply(const std::vector<DefaultsChange>& changes) override;
+    bool areTooLarge(const std::vector<DefaultsChange>& changes) const override;
     Value::Dictionary persistentDomain(std::string_view domain) const override;
     std::optional<Value> preset(std::string_view key) const override;
 

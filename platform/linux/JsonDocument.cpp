@@ -121,6 +121,21 @@ std::optional<std::string> dumped(const Json& json) {
     }
 }
 
+/// Takes the blanks between the tokens out of valid JSON.
+void compact(std::string& json) {
+    bool isInString = false;
+    bool isEscaped = false;
+    std::erase_if(json, [&](char c) {
+        if (!isInString) {
+            isInString = c == '"';
+            return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+        }
+        isInString = c != '"' || isEscaped;
+        isEscaped = c == '\\' && !isEscaped;
+        return false;
+    });
+}
+
 /// Moves through JSON without judging it; of text that is no JSON it only promises to end.
 class Scanner {
 public:
@@ -294,7 +309,9 @@ std::string JsonDocument::text() const {
         text += &member == &members.front() ? "\n  " : ",\n  ";
         text += member.keyText + ": " + member.valueText;
     }
-    return text + "\n}\n";
+    text += "\n}\n";
+    if (text.size() > largest) compact(text);
+    return text;
 }
 
 }  // namespace quorvel::native

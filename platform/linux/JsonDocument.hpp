@@ -11,6 +11,7 @@ namespace quorvel::native {
 
 /// A JSON object whose members can be read and replaced one by one. What is not replaced keeps its
 /// text, character by character, and its place, also where `Value` could not express it.
+/// Only the blanks between its tokens go where the whole would be too large with them.
 class JsonDocument {
 public:
     static constexpr std::size_t largest = std::size_t{8} << 20;
@@ -34,6 +35,8 @@ public:
     bool set(std::string_view key, const Value& value, std::string& error);
     void remove(std::string_view key);
 
+    /// With an indentation that pleases the eye; without any blanks where it would otherwise be
+    /// larger than `largest`. It may be even then.
     std::string text() const;
 
 private:

@@ -48,6 +48,12 @@ bool SimulatedDefaults::apply(const std::vector<DefaultsChange>& changes) {
     return true;
 }
 
+bool SimulatedDefaults::areTooLarge(const std::vector<DefaultsChange>& changes) const {
+    return std::any_of(changes.begin(), changes.end(), [this](const DefaultsChange& change) {
+        return change.value && keysThatAreTooLarge.contains(change.key);
+    });
+}
+
 Value::Dictionary SimulatedDefaults::persistentDomain(std::string_view domain) const {
     if (!isDomainName(domain)) return {};
     if (domain == domainName) return unreadable ? Value::Dictionary{} : values;
@@ -62,14 +68,17 @@ std::optional<Value> SimulatedDefaults::preset(std::string_view key) const {
 bool SimulatedDefaults::canSave(const std::vector<DefaultsChange>& changes) {
     std::vector<std::string> keys;
     for (const DefaultsChange& change : changes) keys.push_back(change.key);
-    const bool fails = failsToSave || unreadable ||
+    const bool tooLarge = areTooLarge(changes);
+    const bool fails = failsToSave || unreadable || tooLarge ||
                        std::any_of(keys.begin(), keys.end(), [this](const std::string& key) {
                            return keysThatFailToSave.contains(key);
                        });
     if (!fails) return true;
     log.line(formatted("Quorvel: could not store %@ in %@ — %@", joined(keys, ", "),
                        "/home/user/.config/" + domainName + "/defaults.json",
-                       unreadable ? "Permission denied" : "No space left on device"));
+                       unreadable ? "Permission denied"
+                       : tooLarge ? "too large"
+                                  : "No space left on device"));
     return false;
 }
 

@@ -21,9 +21,11 @@ public:
     std::map<std::string, Value::Dictionary> otherDomains;
     Value::Dictionary presets;
 
-    // Faults: both fail every write, the second those of these keys only.
+    // Faults: the first fails every write, the others those of these keys only.
     bool failsToSave = false;
     std::set<std::string, std::less<>> keysThatFailToSave;
+    /// No write of one of these ever finds room.
+    std::set<std::string, std::less<>> keysThatAreTooLarge;
     /// What is stored may not be read; writing would lose the other keys, so that fails too.
     bool unreadable = false;
 
@@ -32,6 +34,7 @@ public:
 
     std::optional<Value> object(std::string_view key) const override;
     bool apply(const std::vector<DefaultsChange>& changes) override;
+    bool areTooLarge(const std::vector<DefaultsChange>& changes) const override;
     Value::Dictionary persistentDomain(std::string_view domain) const override;
     std::optional<Value> preset(std::string_view key) const override;
 

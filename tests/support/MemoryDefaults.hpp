@@ -38,6 +38,8 @@ public:
         return true;
     }
 
+    bool areTooLarge(const std::vector<DefaultsChange>&) const override { return false; }
+
     Value::Dictionary persistentDomain(std::string_view domain) const override {
         return in(otherDomains, domain).value_or(Value::Dictionary{});
     }

@@ -1,5 +1,6 @@
 // The launches of an installation in which earlier programs or versions have left settings.
 
+#include "main/shell/SettingsUpgrade.hpp"
 #include "platform/Text.hpp"
 #include "tests/unit/LauncherFixture.hpp"
 
@@ -167,6 +168,31 @@ TEST_F(LauncherFirstLaunchTest, AnImportThatCannotBeStoredIsTriedAgainAtTheNextL
     EXPECT_THAT(sim.log.lines, AllOf(Contains(migrated(2, firstDomain)), Contains(flattened(1, 1)),
                                      Contains("Quorvel: ready — 1 app(s) bound")));
     EXPECT_EQ(settings.knownDisplays().size(), 1u);
+}
+
+TEST_F(LauncherFirstLaunchTest, AnImportThatIsTooLargeGivesWayToTheSecondOne) {
+    sim.defaults.otherDomains[firstDomain] = {{"AppBindings", binding(editor)}};
+    sim.defaults.otherDomains[secondDomain] = {{"HotZoneDwellMs", 900}};
+    sim.defaults.keysThatAreTooLarge = {"AppBindings"};
+    SettingsUpgrade::migrate(sim.defaults, sim.log);
+    EXPECT_THAT(sim.log.lines,
+                ElementsAre("Quorvel: could not store AppBindings, DidMigrateLegacySettings in "
+                            "/home/user/.config/com.tessivane.quorvel/defaults.json — too large",
+                            migrated(1, secondDomain)));
+    EXPECT_EQ(sim.defaults.values,
+              (Dictionary{{"HotZoneDwellMs", 900}, {"DidMigrateLegacySettings", true}}));
+}
+
+TEST_F(LauncherFirstLaunchTest, AnImportThatIsTooLargeIsNotTriedAgain) {
+    sim.defaults.otherDomains[firstDomain] = {{"Placements", binding(editor)}};
+    sim.defaults.keysThatAreTooLarge = {"Placements"};
+    EXPECT_TRUE(SettingsUpgrade::migrate(sim.defaults, sim.log));
+    EXPECT_EQ(sim.defaults.values, (Dictionary{{"DidMigrateLegacySettings", true}}));
+    EXPECT_EQ(sim.log.taken().size(), 1u);
+
+    sim.defaults.keysThatAreTooLarge.clear();
+    launch();
+    EXPECT_EQ(sim.log.lines.front(), flattened(0, 0));
 }
 
 // Flattening

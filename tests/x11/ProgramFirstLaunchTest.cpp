@@ -35,6 +35,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
+using testing::UnorderedElementsAreArray;
 using Array = Value::Array;
 using Dictionary = Value::Dictionary;
 
@@ -44,6 +45,8 @@ constexpr const char* secondDomain = "com.tessivane.vintrosk";
 
 class ProgramFirstLaunchTest : public testing::Test {
 protected:
+    explicit ProgramFirstLaunchTest(const XSessionOptions& options = {}) : program(options) {}
+
     ProgramOnX program;
     const fs::path config = program.session.folder() / "config";
     const fs::path autostart = config / "autostart/com.tessivane.quorvel.desktop";
@@ -199,6 +202,51 @@ TEST_F(ProgramFirstLaunchTest, TheVersionOfASingleApplicationIsUpgraded) {
     expectUpgraded();
 }
 
+TEST_F(ProgramFirstLaunchTest, TheSingleApplicationFillsInWhatItsBindingLeavesOpen) {
+    place(ownDomain, "retired-and-bindings");
+    launch();
+    const std::string id = display().first;
+    EXPECT_EQ(program.logLines()[0], flattened(2, 2));
+    EXPECT_EQ(stored("AppBindings"),
+              Value(Array{binding("/opt/beta.desktop", "none", "false"),
+                          binding("/opt/alpha.desktop", "control,option,A", "true")}));
+    EXPECT_EQ(stored("Placements"),
+              Value(Array{placement("/opt/beta.desktop", id, "topLeft", "none"),
+                          placement("/opt/alpha.desktop", id, "bottomRight", "left")}));
+    expectUpgraded();
+}
+
+/// With a second display beside the first.
+class ProgramFirstLaunchOnTwoDisplaysTest : public ProgramFirstLaunchTest {
+protected:
+    ProgramFirstLaunchOnTwoDisplaysTest()
+        : ProgramFirstLaunchTest({.server = XServerKind::hotPlug}) {
+        program.session.server().plug("DUMMY1", 1280, 0);
+    }
+};
+
+TEST_F(ProgramFirstLaunchOnTwoDisplaysTest, CornersOfAllDisplaysArePlacedOnEach) {
+    place(ownDomain, "old-bindings");
+    launch();
+    EXPECT_EQ(program.logLines()[0],
+              "Quorvel: flattened settings — 2 app(s), 5 placement(s), 5 retired key(s) removed; "
+              "materialised onto DUMMY0, DUMMY1");
+    std::vector<std::string> ids;
+    const auto known = stored("KnownDisplays");
+    for (const auto& [identifier, name] : *known.value().dictionary()) {
+        if (identifier != "GONE") ids.push_back(identifier);
+    }
+    ASSERT_EQ(ids.size(), 2u);
+    const auto placements = stored("Placements");
+    std::vector<Value> expected{placement("/opt/beta.desktop", "GONE", "bottomLeft", "none")};
+    for (const std::string& id : ids) {
+        expected.push_back(placement("/opt/alpha.desktop", id, "topLeft", "top-right"));
+        expected.push_back(placement("/opt/beta.desktop", id, "none", "none"));
+    }
+    EXPECT_THAT(*placements.value().array(), UnorderedElementsAreArray(expected));
+    expectUpgraded();
+}
+
 TEST_F(ProgramFirstLaunchTest, CornersOfAllDisplaysArePlacedOnTheAttachedOneAndTheAbsentIsNamed) {
     place(ownDomain, "old-bindings");
     launch();
@@ -243,6 +291,17 @@ TEST_F(ProgramFirstLaunchTest, SettingsOfItsOwnKeepTheImportOut) {
     expectUpgraded();
 }
 
+TEST_F(ProgramFirstLaunchTest, OnlyTheOfferToOpenAtLoginStoredIsRoomForAnImport) {
+    place(ownDomain, "offer-only");
+    place(firstDomain, "earlier-first");
+    launch();
+    EXPECT_EQ(program.logLines()[0], migrated(3, firstDomain));
+    EXPECT_EQ(stored("AppBindings"),
+              Value(Array{binding("/opt/alpha.desktop", "control,option,A", "true")}));
+    EXPECT_FALSE(fs::exists(autostart)) << "the offer had been made";
+    expectUpgraded();
+}
+
 TEST_F(ProgramFirstLaunchTest, AMarkerThatIsATextDoesNotKeepTheImportOut) {
     place(ownDomain, "marker-as-text");
     place(firstDomain, "earlier-first");
@@ -277,6 +336,44 @@ TEST_F(ProgramFirstLaunchTest, AHugeEarlierFileIsPassedOverInOneLine) {
               "Quorvel: " + fileOf(firstDomain).string() + " cannot be read — too large");
     EXPECT_EQ(program.logLines()[1], flattened(0, 0));
     expectUpgraded();
+}
+
+TEST_F(ProgramFirstLaunchTest, AnEarlierFileThatIsTooLargeOnlyWithBlanksIsTakenOverOnce) {
+    // Indented, each of the numbers stands behind 180 blanks.
+    std::string list = std::string(89, '[');
+    for (int i = 0; i < 60'000; ++i) list += "1,";
+    list += "1" + std::string(89, ']');
+    fs::create_directories(fileOf(firstDomain).parent_path());
+    std::ofstream(fileOf(firstDomain)) << R"({"TuckAnimation":)" << list << "}";
+    earlier[fileOf(firstDomain)] = ProgramOnX::contentOf(fileOf(firstDomain));
+    launch();
+    EXPECT_EQ(program.logLines()[0], migrated(1, firstDomain));
+    EXPECT_EQ(program.logLines()[1], flattened(0, 0));
+    EXPECT_THAT(program.settingsText(), HasSubstr(list));
+    expectUpgraded();
+    fs::remove(program.logFile);
+    launch();
+    EXPECT_EQ(program.logLines()[0], "Quorvel: no hot corners placed.");
+}
+
+TEST_F(ProgramFirstLaunchTest, AnEarlierFileThatIsTooLargeToBeStoredIsPassedOverOnce) {
+    // With the marker beside it there is no room for it.
+    const std::string rest = R"({"Placements":"","Other":{}})";
+    std::string text = rest;
+    text.insert(rest.find(",\"Other") - 1, native::JsonDocument::largest - rest.size(), 'x');
+    fs::create_directories(fileOf(firstDomain).parent_path());
+    std::ofstream(fileOf(firstDomain)) << text;
+    earlier[fileOf(firstDomain)] = ProgramOnX::contentOf(fileOf(firstDomain));
+    place(secondDomain, "earlier-second");
+    launch();
+    EXPECT_EQ(program.logLines()[0],
+              "Quorvel: could not store Placements, DidMigrateLegacySettings in " +
+                  program.settingsFile.string() + " — too large");
+    EXPECT_EQ(program.logLines()[1], migrated(6, secondDomain));
+    expectUpgraded();
+    fs::remove(program.logFile);
+    launch();
+    EXPECT_THAT(program.logLines(), Not(Contains(HasSubstr("could not store"))));
 }
 
 TEST_F(ProgramFirstLaunchTest, AFolderInPlaceOfAnEarlierFileIsPassedOverInOneLine) {
@@ -410,6 +507,18 @@ TEST_F(ProgramFirstLaunchTest, AnEntryThatTheUserRemovedStaysRemoved) {
     EXPECT_EQ(std::count(lines.begin(), lines.end(), registered), 1);
 }
 
+TEST_F(ProgramFirstLaunchTest, AnEntryThatStartsNothingIsMadeToStartThisProgram) {
+    program.session.folder().write("config/autostart/com.tessivane.quorvel.desktop",
+                                   "[Desktop Entry]\nType=Application\nName=Quorvel\n"
+                                   "Exec=/old/Quorvel\nTryExec=/old/Quorvel\nX-Mine=1\n");
+    launch();
+    EXPECT_THAT(program.logLines(), Contains(registered));
+    const std::string path = fs::canonical(ProgramOnX::defaultPath()).string();
+    EXPECT_THAT(ProgramOnX::contentOf(autostart),
+                AllOf(HasSubstr("\nExec=\"" + path + "\"\n"), HasSubstr("\nTryExec=" + path + "\n"),
+                      HasSubstr("X-Mine=1\n")));
+}
+
 TEST_F(ProgramFirstLaunchTest, AnEntryThatTheUserSwitchedOffStaysOffAndTheLogSaysSo) {
     for (const char* off : {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n"}) {
         program.session.folder().write("config/autostart/com.tessivane.quorvel.desktop",
@@ -428,6 +537,17 @@ TEST_F(ProgramFirstLaunchTest, AnEntryThatTheUserSwitchedOffStaysOffAndTheLogSay
         fs::remove(program.settingsFile);
         fs::remove(program.logFile);
     }
+}
+
+TEST_F(ProgramFirstLaunchTest, ADamagedEntryThatTheUserSwitchedOffStaysOffAndIsKept) {
+    const std::string text =
+        "[Desktop Entry]\nType=Application\nHidden=true\n<<<<<<< mine\nExec=/old/Quorvel\n";
+    program.session.folder().write("config/autostart/com.tessivane.quorvel.desktop", text);
+    launch();
+    EXPECT_THAT(program.logLines(), Not(Contains(registered)));
+    EXPECT_THAT(ProgramOnX::contentOf(autostart),
+                AllOf(HasSubstr("Hidden=true\n"), Not(HasSubstr("<<<"))));
+    EXPECT_EQ(ProgramOnX::contentOf(autostart.string() + ".unreadable-1"), text);
 }
 
 TEST_F(ProgramFirstLaunchTest, AnEntryThatCannotBeWrittenIsOneLineAndNotTriedAgain) {

@@ -371,6 +371,35 @@ TEST_F(JsonDefaultsTest, FullDiskLeavesEverythingAsItWas) {
     EXPECT_EQ(defaults.object("big"), std::nullopt);
 }
 
+TEST_F(JsonDefaultsTest, WhatAnotherDomainCouldHoldFindsRoom) {
+    std::string records = "{\"AppBindings\":[";
+    while (records.size() < 7'100'000) records += R"({"appPath":"/opt/a","corner":"topLeft"},)";
+    records += "{}]}";
+    scratch.write("config/com.example.earlier/defaults.json", records);
+    const Value::Dictionary earlier = defaults.persistentDomain("com.example.earlier");
+    EXPECT_TRUE(defaults.apply({{"AppBindings", earlier.at("AppBindings")}, {"Done", true}}));
+    EXPECT_TRUE(defaults.setObject("More", 1));
+    EXPECT_TRUE(log.lines.empty());
+    EXPECT_TRUE(defaults.object("AppBindings") == earlier.at("AppBindings"));
+    EXPECT_EQ(defaults.object("More"), Value(1));
+}
+
+TEST_F(JsonDefaultsTest, WhatIsTooLargeIsRefusedAndCanBeTold) {
+    EXPECT_TRUE(defaults.setObject("a", std::string(JsonDocument::largest / 2, 'x')));
+    const std::vector<DefaultsChange> changes{
+        {"b", Value(std::string(JsonDocument::largest / 2, 'x'))}};
+    EXPECT_TRUE(defaults.areTooLarge(changes));
+    EXPECT_FALSE(defaults.apply(changes));
+    EXPECT_EQ(log.taken(),
+              Names{"Quorvel: could not store b in " + file().string() + " — too large"});
+    EXPECT_EQ(defaults.object("b"), std::nullopt);
+
+    EXPECT_FALSE(defaults.areTooLarge({{"b", Value("small")}}));
+    EXPECT_FALSE(defaults.areTooLarge({{"a", std::nullopt}, changes.front()}));
+    EXPECT_FALSE(defaults.areTooLarge({{"b", Value("\xff")}})) << "that is another reason";
+    EXPECT_TRUE(log.lines.empty());
+}
+
 TEST_F(JsonDefaultsTest, SeveralChangesAreOneReplacement) {
     store(R"({"a": 1, "b": 2, "Unknown": 1.50})");
     const int before = open(file().c_str(), O_RDONLY | O_CLOEXEC);

@@ -101,6 +101,29 @@ TEST(JsonDocumentTest, WrittenValuesReadBackTheSame) {
     EXPECT_EQ(parsed(document.text()).text(), document.text());
 }
 
+TEST(JsonDocumentTest, WhatIsTooLargeWithBlanksIsWrittenWithoutThem) {
+    // Each of the numbers stands on a line of its own, behind 180 blanks.
+    std::string compact = R"({"a b":"c \" \\","number":1.50,"list":)" + std::string(89, '[');
+    for (int i = 0; i < 50'000; ++i) compact += "1,";
+    compact += "1" + std::string(89, ']') + R"(,"filling":")";
+    compact += std::string(JsonDocument::largest - compact.size() - 100, 'x') + "\"}";
+    const Value::Dictionary values = parsed(compact).values();
+    JsonDocument document = parsed(R"({ "kept" : [ 1.10,
+        { "deep  " : " \\" } ] })");
+    std::string error;
+    for (const auto& [key, value] : values) ASSERT_TRUE(document.set(key, value, error)) << error;
+    const std::string text = document.text();
+    EXPECT_LE(text.size(), JsonDocument::largest);
+    const std::string head =
+        R"({"kept":[1.10,{"deep  ":" \\"}],"a b":"c \" \\","number":1.5,"list":[[[)";
+    EXPECT_EQ(text.substr(0, head.size()), head);
+    const JsonDocument again = parsed(text);
+    for (const auto& [key, value] : values) EXPECT_TRUE(again.value(key) == value) << key;
+
+    document.remove("list");
+    EXPECT_EQ(document.text().substr(0, 11), "{\n  \"kept\":") << "the eye is pleased again";
+}
+
 TEST(JsonDocumentTest, RemovingTakesOneMemberAway) {
     JsonDocument document = parsed(R"({"a": 1, "b": 2, "c": 3})");
     document.remove("b");
