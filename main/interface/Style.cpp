@@ -59,6 +59,8 @@ QColor colour(Colour role, const QPalette& palette) {
             return mixed(text, ground, 0.5);
         case Colour::separator:
             return mixed(text, ground, 0.8);
+        case Colour::underPage:
+            return mixed(text, ground, 0.92);
         case Colour::red:
             return dark ? QColor(0xFF, 0x6B, 0x61) : QColor(0xC4, 0x1E, 0x16);
         case Colour::green:

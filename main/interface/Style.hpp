@@ -11,7 +11,17 @@
 /// desktop's palette, light or dark.
 namespace quorvel::Style {
 
-enum class Colour { label, secondaryLabel, tertiaryLabel, separator, red, green, orange, accent };
+enum class Colour {
+    label,
+    secondaryLabel,
+    tertiaryLabel,
+    separator,
+    underPage,
+    red,
+    green,
+    orange,
+    accent
+};
 
 QColor colour(Colour role, const QPalette& palette);
 

@@ -1,0 +1,79 @@
+#include "main/interface/ElidedLabel.hpp"
+
+#include <QPainter>
+#include <cmath>
+#include <utility>
+
+#include "main/interface/PlainToolTip.hpp"
+
+namespace quorvel {
+namespace {
+
+QString onOneLine(QString text) {
+    for (QChar& character : text) {
+        const bool breaksLine = character.category() == QChar::Other_Control ||
+                                character == QChar::LineSeparator ||
+                                character == QChar::ParagraphSeparator;
+        if (breaksLine) character = QLatin1Char(' ');
+    }
+    return text;
+}
+
+}  // namespace
+
+ElidedLabel::ElidedLabel(const QString& head, QString tail, int pixelSize, Style::Colour role,
+                         QFont::Weight weight)
+    : QLabel(head + tail), head(onOneLine(head)), tail(std::move(tail)), role(role) {
+    setTextFormat(Qt::PlainText);
+    setFont(Style::font(pixelSize, weight));
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+QString ElidedLabel::shownText(int width) const {
+    const QString whole = line(head);
+    if (widthOf(whole) <= width) return whole;
+    const int room = width - widthOf(tail);
+    const QString shownHead = fontMetrics().elidedText(head, Qt::ElideRight, qMax(0, room));
+    return line(shownHead.isEmpty() ? QStringLiteral("…") : shownHead);
+}
+
+QSize ElidedLabel::sizeHint() const {
+    return {widthOf(line(head)), fontMetrics().height()};
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+    const int least = widthOf(line(QStringLiteral("…")));
+    return {qMin(least, sizeHint().width()), fontMetrics().height()};
+}
+
+bool ElidedLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || toolTip().isEmpty()) return QLabel::event(event);
+    showPlainToolTip(*static_cast<QHelpEvent*>(event), *this, toolTip(), rect());
+    return true;
+}
+
+void ElidedLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    setToolTip(width() < sizeHint().width() ? text() : QString());
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(Style::colour(role, palette()));
+    painter.drawText(rect(),
+                     static_cast<int>(Qt::AlignLeading | Qt::AlignVCenter) |
+                         static_cast<int>(Qt::TextSingleLine),
+                     shownText(width()));
+}
+
+int ElidedLabel::widthOf(const QString& text) const {
+    return static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text)));
+}
+
+QString ElidedLabel::line(const QString& shownHead) const {
+    if (tail.isEmpty()) return shownHead;
+    // Isolated: letters that run from right to left must not carry the tail along.
+    return QChar(0x2068) + shownHead + QChar(0x2069) + tail;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QLabel>
+
+#include "main/interface/Style.hpp"
+
+namespace quorvel {
+
+/// One line of plain text, "head" and "tail". Where it does not fit, the head is cut short and the
+/// whole text is the tool tip; it never asks for more room than the tail needs.
+class ElidedLabel final : public QLabel {
+public:
+    ElidedLabel(const QString& head, QString tail, int pixelSize,
+                Style::Colour role = Style::Colour::label, QFont::Weight weight = QFont::Normal);
+
+    /// As it is drawn in this width.
+    QString shownText(int width) const;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    int widthOf(const QString& text) const;
+    QString line(const QString& shownHead) const;
+
+    QString head;  ///< without line breaks
+    QString tail;
+    Style::Colour role;
+};
+
+}  // namespace quorvel
