@@ -77,6 +77,9 @@ QPushButton* smallButton(const QString& title) {
     auto* const button = new QPushButton(title);
     button->setFont(Style::font(11));
     button->setAutoDefault(false);
+    // Styles make room for the titles of dialogs.
+    constexpr int padding = 24;
+    button->setFixedWidth(button->fontMetrics().horizontalAdvance(title) + padding);
     button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     return button;
 }

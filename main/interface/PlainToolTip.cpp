@@ -6,9 +6,11 @@
 namespace quorvel {
 namespace {
 
-/// A run of letters without a blank is wrapped nowhere: gives it places.
+/// A run of letters without a blank is wrapped nowhere: gives it places. Cuts short what nobody
+/// would read to its end.
 QString breakable(const QString& text) {
     constexpr int longestRun = 40;
+    constexpr qsizetype longestText = 1000;
     constexpr QChar zeroWidthSpace(0x200B);
     QString result;
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
@@ -17,6 +19,7 @@ QString breakable(const QString& text) {
     while (finder.toNextBoundary() > 0) {
         const QString grapheme = text.mid(from, finder.position() - from);
         from = finder.position();
+        if (from > longestText) return result + QStringLiteral("…");
         result += grapheme;
         run = grapheme.front().isSpace() ? 0 : run + 1;
         if (run < longestRun) continue;
