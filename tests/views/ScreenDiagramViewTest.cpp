@@ -2,6 +2,7 @@
 
 #include <QHelpEvent>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScreen>
 #include <QToolTip>
 
@@ -140,19 +141,24 @@ TEST_F(ScreenDiagramViewTest, WithoutACardThereIsNothingToClickAndItStillDraws) 
     EXPECT_EQ(pixel(90, 60), styled(Style::Colour::underPage));
 }
 
-TEST_F(ScreenDiagramViewTest, AClickMayTakeThePictureAway) {
+TEST_F(ScreenDiagramViewTest, AClickAndAKeyMayTakeThePictureAway) {
     show(std::vector<Assignment>{});
-    auto* const doomed = new ScreenDiagramView(&window);
-    doomed->setFixedSize(180, 110);
-    doomed->setCard(cardWith({}));
-    bool wasCalled = false;
-    const QPoint point = at(19, 91);
-    doomed->onSlot = [&wasCalled, doomed](const Slot&, const std::optional<Assignment>&) {
-        delete doomed;
-        wasCalled = true;
-    };
-    doomed->activate(*doomed->targetAt(point));
-    EXPECT_TRUE(wasCalled);
+    for (const bool byKey : {false, true}) {
+        QPointer<ScreenDiagramView> doomed = new ScreenDiagramView(&window);
+        doomed->setFixedSize(180, 110);
+        doomed->setCard(cardWith({}));
+        doomed->onSlot = [&doomed](const Slot&, const std::optional<Assignment>&) {
+            delete doomed.data();
+        };
+        doomed->show();
+        if (byKey) {
+            doomed->setFocus(Qt::TabFocusReason);
+            QTest::keyClick(window.windowHandle(), Qt::Key_Space);
+        } else {
+            QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, at(19, 91));
+        }
+        EXPECT_TRUE(doomed.isNull());
+    }
 }
 
 TEST_F(ScreenDiagramViewTest, TheHandPointsOnlyWhereAClickHits) {
