@@ -8,7 +8,7 @@
 namespace quorvel {
 
 QIcon AppIcons::iconFor(const std::string& appPath) {
-    if (!files.exists(appPath)) {
+    if (!isInstalled(appPath)) {
         return Symbols::symbol(
             QStringLiteral("questionmark.app.dashed"),
             Style::colour(Style::Colour::secondaryLabel, QApplication::palette()));

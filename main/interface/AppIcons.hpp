@@ -18,6 +18,8 @@ public:
     /// For a path where nothing is installed: a question mark, in the colour of labels.
     QIcon iconFor(const std::string& appPath);
 
+    bool isInstalled(const std::string& appPath) const { return files.exists(appPath); }
+
     /// Looks everything up anew from now on: something was installed or removed.
     void forget() { known.clear(); }
 
