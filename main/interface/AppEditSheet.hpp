@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "main/interface/AppIcons.hpp"
-#include "main/interface/WrappedLabel.hpp"
 #include "main/interface/SegmentedControl.hpp"
 #include "main/interface/ShortcutRecorderView.hpp"
+#include "main/interface/WrappedLabel.hpp"
 #include "main/settings/HotZoneCorner.hpp"
 #include "main/settings/Settings.hpp"
 #include "main/shell/SettingsHost.hpp"

@@ -15,7 +15,7 @@ std::unique_ptr<QtInterface> QtInterface::create(const InterfaceHost& host) {
 }
 
 QtInterface::QtInterface(const InterfaceHost& host, std::unique_ptr<ToolkitApplication> application)
-    : application(std::move(application)), front(host.bringToFront) {}
+    : host(host), application(std::move(application)), front(host.bringToFront) {}
 
 QtInterface::~QtInterface() = default;
 
@@ -32,9 +32,10 @@ void QtInterface::dismissAlert() {
     if (alertBox != nullptr) alertBox->reject();
 }
 
-void QtInterface::showSettings(SettingsHost&) {
+void QtInterface::showSettings(SettingsHost& controller) {
     if (!settingsWindowController) {
-        settingsWindowController = std::make_unique<SettingsWindowController>(front);
+        settingsWindowController =
+            std::make_unique<SettingsWindowController>(host.desktop, controller, front);
     }
     settingsWindowController->show();
 }

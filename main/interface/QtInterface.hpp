@@ -27,6 +27,7 @@ public:
 private:
     QtInterface(const InterfaceHost& host, std::unique_ptr<ToolkitApplication> application);
 
+    const InterfaceHost& host;
     // The application is the last to go.
     std::unique_ptr<ToolkitApplication> application;
     FrontWindow front;

@@ -1,7 +1,10 @@
 #include "main/interface/ToolkitApplication.hpp"
 
+#include <QFile>
+#include <QIcon>
 #include <QLibrary>
 #include <QThread>
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <string>
@@ -39,6 +42,31 @@ private:
     QByteArray noGlib;
 };
 
+/// Outside the desktops that it knows the toolkit has no theme, and programs would have no icons.
+void findIcons() {
+    for (const char* const name : {"Adwaita", "breeze", "elementary-xfce", "gnome", "mate"}) {
+        const QString theme = QString::fromUtf8(name);
+        const QStringList folders = QIcon::themeSearchPaths();
+        const bool isThere = std::any_of(folders.begin(), folders.end(), [&](const QString& each) {
+            return QFile::exists(each + QLatin1Char('/') + theme + QStringLiteral("/index.theme"));
+        });
+        if (!isThere) continue;
+        QIcon::setFallbackThemeName(theme);
+        break;
+    }
+    QIcon own;
+    const QString program = QCoreApplication::applicationDirPath();
+    for (const char* const folder : {"/share/icons", "/../share/icons"}) {
+        for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
+            const QString file = program + QString::fromUtf8(folder) +
+                                 QStringLiteral("/hicolor/%1x%1/apps/com.tessivane.quorvel.png");
+            if (QFile::exists(file.arg(size))) own.addFile(file.arg(size));
+        }
+        if (!own.isNull()) break;
+    }
+    QGuiApplication::setWindowIcon(own);
+}
+
 }  // namespace
 
 std::unique_ptr<ToolkitApplication> ToolkitApplication::start(const InterfaceHost& host) {
@@ -51,7 +79,9 @@ std::unique_ptr<ToolkitApplication> ToolkitApplication::start(const InterfaceHos
     QGuiApplication::setDesktopFileName(QStringLiteral("com.tessivane.quorvel"));
     qInstallMessageHandler(&forwardMessage);
     const ProcessState kept;
-    return std::unique_ptr<ToolkitApplication>(new ToolkitApplication(host));
+    std::unique_ptr<ToolkitApplication> application(new ToolkitApplication(host));
+    findIcons();
+    return application;
 }
 
 ToolkitApplication::ToolkitApplication(const InterfaceHost& host)

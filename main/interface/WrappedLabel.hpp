@@ -12,7 +12,7 @@ namespace quorvel {
 class WrappedLabel final : public QLabel {
 public:
     WrappedLabel(int maxLines, int pixelSize, Style::Colour role,
-                QFont::Weight weight = QFont::Normal);
+                 QFont::Weight weight = QFont::Normal);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

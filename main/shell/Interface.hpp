@@ -4,23 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "main/shell/Alert.hpp"
 #include "main/shell/SettingsHost.hpp"
 #include "platform/StatusBar.hpp"
 
 namespace quorvel {
-
-/// A warning that must be answered. The first button is the default, the last one is what Escape
-/// or closing the window means.
-struct Alert {
-    std::string message;
-    std::string informativeText;
-    std::vector<std::string> buttons;  ///< at least one
-
-    bool operator==(const Alert&) const = default;
-};
-
-/// What `runAlert` returns for the first button; each further one counts one up.
-inline constexpr int alertFirstButtonReturn = 1000;
 
 /// Everything that the user sees in a window. It lives in a module of its own that is loaded when
 /// it is first needed.

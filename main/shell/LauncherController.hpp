@@ -79,6 +79,7 @@ public:
     bool isTucked(const std::string& appPath, std::string_view edgeRaw) const override {
         return tuckController.isTucked(appPath, edgeRaw);
     }
+    int runAlert(const Alert& alert) override { return alerts.runModal(alert); }
     void toggleTuck(const std::string& appPath, TuckEdge edge) override {
         tuckController.toggleTuck(appPath, edge);
     }

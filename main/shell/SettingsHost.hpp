@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "main/shell/Alert.hpp"
 #include "main/tucking/TuckAnimationStyle.hpp"
 #include "main/tucking/TuckEdge.hpp"
 
@@ -26,6 +27,10 @@ public:
     /// For an edge text that means `bottom`: whether the application is hidden. Else whether it has
     /// a tucked window, at whichever edge.
     virtual bool isTucked(const std::string& appPath, std::string_view edgeRaw) const = 0;
+
+    /// Shows it and waits for the answer; everything else waits too. `alertFirstButtonReturn` plus
+    /// the index of the button.
+    virtual int runAlert(const Alert& alert) = 0;
 
     /// Tucks the focused window of a running application, or puts it back.
     virtual void toggleTuck(const std::string& appPath, TuckEdge edge) = 0;

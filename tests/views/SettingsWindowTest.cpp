@@ -1,0 +1,419 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QTest>
+#include <QToolButton>
+
+#include "main/interface/AppEditSheet.hpp"
+#include "main/interface/ApplicationChooser.hpp"
+#include "main/interface/ScreenDiagramView.hpp"
+#include "main/interface/SettingsWindowController.hpp"
+#include "platform/simulated/SimulatedDesktop.hpp"
+#include "tests/support/FakeSettingsHost.hpp"
+
+namespace quorvel {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* notes = "/usr/share/applications/notes.desktop";
+constexpr const char* paint = "/usr/share/applications/paint.desktop";
+
+class SettingsWindowTest : public testing::Test {
+protected:
+    SimulatedDesktop sim;
+    FakeSettingsHost host;
+    Settings settings{sim.defaults};
+    std::vector<std::uint64_t> broughtToFront;
+    SettingsWindowController controller{
+        sim.desktop(), host,
+        FrontWindow([this](std::uint64_t window) { broughtToFront.push_back(window); })};
+
+    SettingsWindowTest() {
+        sim.install(notes, "Notes");
+        sim.install(paint, "Paint");
+    }
+    ~SettingsWindowTest() override { turn(); }
+
+    static void turn() {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    QWidget& shown() {
+        controller.show();
+        turn();
+        return *controller.settingsWindow();
+    }
+    QWidget& window() { return *controller.settingsWindow(); }
+
+    template <class T>
+    T* withName(const char* accessibleName) {
+        for (T* each : window().findChildren<T*>()) {
+            if (each->accessibleName() == QString::fromUtf8(accessibleName)) return each;
+        }
+        return nullptr;
+    }
+    QPushButton* button(const char* text) {
+        for (QPushButton* each : window().findChildren<QPushButton*>()) {
+            if (each->text() == QString::fromUtf8(text)) return each;
+        }
+        return nullptr;
+    }
+    bool shows(const std::string& text) {
+        for (const QLabel* each : window().findChildren<QLabel*>()) {
+            if (each->isVisibleTo(&window()) && each->text().toStdString() == text) return true;
+        }
+        return false;
+    }
+    QSlider& slider() { return *window().findChild<QSlider*>(); }
+    QComboBox& animation() { return *window().findChild<QComboBox*>(); }
+    void click(QAbstractButton* button) {
+        ASSERT_NE(button, nullptr);
+        button->click();
+        turn();
+    }
+    void remove(const char* name) {
+        click(withName<QRadioButton>(("Select " + std::string(name) + " for removal").c_str()));
+        click(withName<QToolButton>("Remove the selected app"));
+    }
+
+    /// Of a class of ours, which the toolkit does not know by name.
+    template <class T>
+    T* only() {
+        for (QWidget* each : window().findChildren<QWidget*>()) {
+            if (auto* const found = dynamic_cast<T*>(each)) return found;
+        }
+        return nullptr;
+    }
+    ApplicationChooser* chooser() { return only<ApplicationChooser>(); }
+    AppEditSheet* sheet() { return only<AppEditSheet>(); }
+    /// By the button below the list.
+    void add(const char* search) {
+        click(withName<QToolButton>("Add an app"));
+        chooseFound(search);
+    }
+    void chooseFound(const char* search) {
+        ASSERT_NE(chooser(), nullptr);
+        QTest::keyClicks(chooser()->searchField, QString::fromUtf8(search));
+        QTest::keyClick(chooser()->searchField, Qt::Key_Return);
+        turn();
+    }
+    void chooseFree(const Slot& slot) {
+        ScreenDiagramView* const picture = only<ScreenDiagramView>();
+        ASSERT_NE(picture, nullptr);
+        picture->onSlot(slot, std::nullopt);
+        turn();
+    }
+    std::string displayId() const { return Displays::attached(sim.screens).front().ref.raw; }
+};
+
+TEST_F(SettingsWindowTest, ASecondShowKeepsTheWindowAndShowsWhatIsStoredNow) {
+    QWidget* const first = &shown();
+    EXPECT_EQ(first->windowTitle(), QStringLiteral("Quorvel Settings"));
+    EXPECT_EQ(first->size(), QSize(680, 620));
+    EXPECT_EQ(first->minimumSize(), QSize(560, 520));
+    first->hide();
+    settings.setAppBindings({{notes, "control,option,N", "false"}});
+    EXPECT_EQ(&shown(), first);
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_TRUE(shows("Notes"));
+    EXPECT_TRUE(shows("⌃⌥N"));
+    EXPECT_EQ(QApplication::topLevelWidgets().count(first), 1);
+}
+
+TEST_F(SettingsWindowTest, EachShowIsOneLineInTheLog) {
+    shown();
+    EXPECT_EQ(sim.log.lines.back(), "Quorvel: settings window shown (680x620, 5 sections)");
+    shown();
+    EXPECT_EQ(std::count(sim.log.lines.begin(), sim.log.lines.end(), sim.log.lines.back()), 2);
+}
+
+TEST_F(SettingsWindowTest, WithoutAppsTheRosterSaysSoAndNothingCanBeRemoved) {
+    shown();
+    EXPECT_TRUE(shows("No apps yet. Add one, then click a corner or edge on a display below."));
+    EXPECT_FALSE(withName<QToolButton>("Remove the selected app")->isEnabled());
+}
+
+TEST_F(SettingsWindowTest, AddingStoresAnAppWithoutShortcutAndSelectsIt) {
+    settings.setAppBindings({{paint, "control,option,P", "true"}});
+    shown();
+    add("not");
+    EXPECT_THAT(settings.appBindings(), ElementsAre(AppBinding{paint, "control,option,P", "true"},
+                                                    AppBinding{notes, "none", "false"}));
+    EXPECT_EQ(host.reloads, 1);
+    EXPECT_TRUE(withName<QRadioButton>("Select Notes for removal")->isChecked());
+    EXPECT_FALSE(withName<QRadioButton>("Select Paint for removal")->isChecked());
+    EXPECT_TRUE(withName<QToolButton>("Remove the selected app")->isEnabled());
+    EXPECT_TRUE(shows("None"));
+    EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(SettingsWindowTest, AddingWhatIsThereSaysSoAndChangesNothing) {
+    settings.setAppBindings({{notes, "control,option,N", "false"}});
+    shown();
+    add("Notes");
+    ASSERT_EQ(host.alerts.size(), 1u);
+    EXPECT_EQ(host.alerts[0], (Alert{"Already added",
+                                     "Notes is already in the list. Edit the existing one instead.",
+                                     {"OK"}}));
+    EXPECT_EQ(settings.appBindings().size(), 1u);
+    EXPECT_EQ(host.reloads, 0);
+}
+
+TEST_F(SettingsWindowTest, CancellingTheChooserChangesNothing) {
+    shown();
+    click(withName<QToolButton>("Add an app"));
+    ASSERT_NE(chooser(), nullptr);
+    QTest::keyClick(chooser(), Qt::Key_Escape);
+    turn();
+    EXPECT_EQ(chooser(), nullptr);
+    EXPECT_TRUE(settings.appBindings().empty());
+    EXPECT_EQ(host.reloads, 0);
+}
+
+TEST_F(SettingsWindowTest, RemovingTakesThePlacementsAlong) {
+    settings.setAppBindings({{notes, "none", "false"}, {paint, "none", "false"}});
+    settings.setPlacements(
+        {{notes, displayId(), "topLeft", "none"}, {paint, displayId(), "none", "left"}});
+    shown();
+    remove("Notes");
+    EXPECT_THAT(settings.appBindings(), ElementsAre(AppBinding{paint, "none", "false"}));
+    EXPECT_THAT(settings.placements(), ElementsAre(Placement{paint, displayId(), "none", "left"}));
+    EXPECT_EQ(host.reloads, 1);
+    EXPECT_FALSE(withName<QToolButton>("Remove the selected app")->isEnabled());
+    EXPECT_TRUE(host.alerts.empty()) << "it is not asked for";
+}
+
+TEST_F(SettingsWindowTest, WhatIsNotInstalledIsSaid) {
+    settings.setAppBindings({{"/opt/gone/Gone.desktop", "none", "false"}});
+    shown();
+    EXPECT_TRUE(shows("Gone"));
+    EXPECT_TRUE(shows("Not installed"));
+}
+
+TEST_F(SettingsWindowTest, ADwellOutOfTheSlidersRangeIsShownAsItIsStored) {
+    sim.defaults.setObject(Keys::hotZoneDwellMs, 50);
+    shown();
+    EXPECT_EQ(slider().minimum(), 100);
+    EXPECT_EQ(slider().maximum(), 1500);
+    EXPECT_EQ(slider().value(), 100);
+    EXPECT_TRUE(shows("0.05 s"));
+    sim.defaults.setObject(Keys::hotZoneDwellMs, 350);
+    shown();
+    EXPECT_EQ(slider().value(), 350);
+    EXPECT_TRUE(shows("0.35 s"));
+    sim.defaults.setObject(Keys::hotZoneDwellMs, -5);
+    shown();
+    EXPECT_EQ(slider().value(), 100);
+    EXPECT_TRUE(shows("0.00 s"));
+}
+
+TEST_F(SettingsWindowTest, ADragIsStoredOnceAtItsEnd) {
+    shown();
+    const int writes = sim.defaults.writeCount;
+    QTest::mousePress(&slider(), Qt::LeftButton, {}, QPoint(30, slider().height() / 2));
+    for (const int value : {400, 700, 900}) {
+        slider().setValue(value);
+        turn();
+    }
+    EXPECT_TRUE(shows("0.90 s"));
+    EXPECT_EQ(sim.defaults.writeCount, writes);
+    EXPECT_TRUE(host.appliedDwells.empty());
+    QTest::mouseRelease(&slider(), Qt::LeftButton, {}, QPoint(30, slider().height() / 2));
+    turn();
+    EXPECT_EQ(sim.defaults.writeCount, writes + 1);
+    EXPECT_EQ(settings.hotZoneDwellMs(), slider().value());
+    EXPECT_THAT(host.appliedDwells, ElementsAre(slider().value()));
+}
+
+TEST_F(SettingsWindowTest, ByKeyboardTheSliderMovesOnlyItsLabel) {
+    shown();
+    const int writes = sim.defaults.writeCount;
+    QTest::keyClick(&slider(), Qt::Key_Right);
+    turn();
+    EXPECT_TRUE(shows("0.31 s"));
+    EXPECT_EQ(sim.defaults.writeCount, writes);
+}
+
+TEST_F(SettingsWindowTest, AnAnimationThatDoesNotParseIsShownAsSlide) {
+    sim.defaults.setObject(Keys::tuckAnimation, "wobble");
+    shown();
+    EXPECT_EQ(animation().currentText(), QStringLiteral("Slide"));
+    sim.defaults.setObject(Keys::tuckAnimation, " Ease_In_Out ");
+    shown();
+    EXPECT_EQ(animation().currentText(), QStringLiteral("Ease In-Out"));
+    std::vector<std::string> titles;
+    for (int i = 0; i < animation().count(); ++i) {
+        titles.push_back(animation().itemText(i).toStdString());
+    }
+    EXPECT_THAT(titles, ElementsAre("Slide", "Ease Out", "Ease In-Out", "Spring", "Instant"));
+}
+
+TEST_F(SettingsWindowTest, AnAnimationThatIsChosenIsStoredAndUsed) {
+    shown();
+    animation().setFocus();
+    QTest::keyClick(&animation(), Qt::Key_End);
+    turn();
+    EXPECT_EQ(settings.tuckAnimation(), "instant");
+    EXPECT_THAT(host.styles, ElementsAre(TuckAnimationStyle::instant));
+}
+
+TEST_F(SettingsWindowTest, AnEdgeThatNothingTucksToIsReportedUntilSomethingDoes) {
+    const std::string message =
+        "Notes: add a shortcut, a corner or Auto to tuck it outside Settings";
+    settings.setPlacements({{notes, displayId(), "none", "left"}, {notes, "GONE", "none", "none"}});
+    const auto isReported = [&](const AppBinding& binding) {
+        settings.setAppBindings({binding});
+        shown();
+        // Something that reports.
+        QTest::keyClick(&animation(), Qt::Key_Home);
+        QTest::keyClick(&animation(), Qt::Key_Down);
+        turn();
+        return shows(message);
+    };
+    EXPECT_TRUE(isReported({notes, "none", "false"}));
+    EXPECT_FALSE(isReported({notes, "none", " YES "}));
+    EXPECT_TRUE(isReported({notes, "none", "y"}));
+    EXPECT_FALSE(isReported({notes, "control,option,N", "false"}));
+    settings.setPlacements(
+        {{notes, displayId(), "none", "left"}, {notes, "GONE", "topLeft", "none"}});
+    EXPECT_FALSE(isReported({notes, "none", "false"}));
+    settings.setPlacements({});
+    EXPECT_FALSE(isReported({notes, "none", "false"}));
+}
+
+TEST_F(SettingsWindowTest, DroppedBindingsComeFirstInTheStatusLine) {
+    settings.setPlacements({{notes, displayId(), "none", "left"}});
+    settings.setAppBindings({{notes, "none", "false"}, {paint, "nonsense", "false"}});
+    shown();
+    QTest::keyClick(&animation(), Qt::Key_End);
+    turn();
+    EXPECT_TRUE(shows(std::string(paint) +
+                      ": unusable hotkey 'nonsense' · Notes: add a shortcut, a corner or Auto to "
+                      "tuck it outside Settings"));
+}
+
+TEST_F(SettingsWindowTest, ForgettingADisplayIsAskedFirst) {
+    settings.setAppBindings({{notes, "none", "false"}});
+    settings.setPlacements(
+        {{notes, "GONE", "topLeft", "none"}, {notes, displayId(), "none", "left"}});
+    settings.setKnownDisplays({{"GONE", "Projector"}, {displayId(), "Here"}});
+    shown();
+    EXPECT_TRUE(shows("Projector"));
+    click(button("Forget This Display…"));
+    ASSERT_EQ(host.alerts.size(), 1u);
+    EXPECT_EQ(host.alerts[0],
+              (Alert{"Forget this display?",
+                     "Every corner and tuck edge configured for it will be removed.",
+                     {"Forget", "Cancel"}}));
+    EXPECT_EQ(settings.placements().size(), 2u);
+    EXPECT_EQ(host.reloads, 0);
+
+    host.answer = [](const Alert&) { return 0; };
+    click(button("Forget This Display…"));
+    EXPECT_THAT(settings.placements(), ElementsAre(Placement{notes, displayId(), "none", "left"}));
+    EXPECT_THAT(settings.knownDisplays(), ElementsAre(std::pair(displayId(), "Here")));
+    EXPECT_EQ(host.reloads, 1);
+    EXPECT_FALSE(shows("Projector"));
+}
+
+TEST_F(SettingsWindowTest, LaunchAtLoginIsWhatTheDesktopSays) {
+    shown();
+    QCheckBox& box = *window().findChild<QCheckBox*>();
+    EXPECT_EQ(box.text(), QStringLiteral("Launch at login"));
+    EXPECT_FALSE(box.isChecked());
+    click(&box);
+    EXPECT_EQ(sim.loginItem.status(), LoginItemStatus::enabled);
+    click(&box);
+    EXPECT_EQ(sim.loginItem.status(), LoginItemStatus::notRegistered);
+}
+
+TEST_F(SettingsWindowTest, LaunchAtLoginThatFailsGoesBackAndSaysWhy) {
+    sim.loginItem.needsApproval = true;
+    shown();
+    QCheckBox& box = *window().findChild<QCheckBox*>();
+    click(&box);
+    EXPECT_FALSE(box.isChecked());
+    EXPECT_TRUE(
+        shows("macOS is holding this back. Open System Settings → General → Login Items and "
+              "allow Quorvel."));
+}
+
+TEST_F(SettingsWindowTest, RestoringDefaultsForgetsEverythingAtOnce) {
+    settings.setAppBindings({{notes, "control,option,N", "false"}});
+    settings.setPlacements({{notes, displayId(), "topLeft", "none"}});
+    sim.defaults.setObject(Keys::hotZoneDwellMs, 900);
+    shown();
+    click(withName<QRadioButton>("Select Notes for removal"));
+    click(button("Restore Defaults"));
+    EXPECT_TRUE(settings.appBindings().empty());
+    EXPECT_TRUE(settings.placements().empty());
+    EXPECT_EQ(slider().value(), 300);
+    EXPECT_EQ(host.reloads, 1);
+    EXPECT_FALSE(withName<QToolButton>("Remove the selected app")->isEnabled());
+    EXPECT_TRUE(host.alerts.empty());
+}
+
+TEST_F(SettingsWindowTest, AFreeSlotWithoutAppsAsksForTheAppFirst) {
+    shown();
+    chooseFree(Slot::side(Side::left));
+    EXPECT_EQ(sheet(), nullptr);
+    chooseFound("paint");
+    EXPECT_THAT(settings.appBindings(), ElementsAre(AppBinding{paint, "none", "false"}));
+    EXPECT_NE(sheet(), nullptr);
+    EXPECT_THAT(settings.placements(), ElementsAre(Placement{paint, displayId(), "none", "left"}));
+}
+
+TEST_F(SettingsWindowTest, AFreeSlotOffersTheApps) {
+    settings.setAppBindings({{paint, "none", "false"}, {notes, "none", "false"}});
+    shown();
+    chooseFree(Slot::corner(HotZoneCorner::topRight));
+    QMenu* const menu = window().findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    ASSERT_EQ(menu->actions().size(), 2);
+    EXPECT_EQ(menu->actions()[0]->text(), QStringLiteral("Paint"));
+    EXPECT_EQ(menu->actions()[1]->text(), QStringLiteral("Notes"));
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+    turn();
+    EXPECT_THAT(settings.placements(),
+                ElementsAre(Placement{notes, displayId(), "topRight", "none"}));
+    EXPECT_NE(sheet(), nullptr);
+}
+
+TEST_F(SettingsWindowTest, WhatCannotBeSavedIsSaidAndNothingIsLost) {
+    settings.setAppBindings({{notes, "control,option,N", "false"}});
+    shown();
+    sim.defaults.failsToSave = true;
+    remove("Notes");
+    EXPECT_TRUE(shows("The settings could not be saved"));
+    EXPECT_EQ(settings.appBindings().size(), 1u);
+    EXPECT_TRUE(shows("Notes"));
+    sim.defaults.failsToSave = false;
+    remove("Notes");
+    EXPECT_FALSE(shows("The settings could not be saved"));
+    EXPECT_TRUE(settings.appBindings().empty());
+}
+
+TEST_F(SettingsWindowTest, TwoHundredProgramsAreRebuiltWithoutDelay) {
+    std::vector<AppBinding> many;
+    for (int i = 0; i < 200; ++i) {
+        many.push_back({"/opt/" + std::to_string(i) + ".desktop", "none", "false"});
+    }
+    settings.setAppBindings(many);
+    shown();
+    EXPECT_EQ(window().findChildren<QRadioButton*>().size(), 200);
+}
+
+}  // namespace
+}  // namespace quorvel
