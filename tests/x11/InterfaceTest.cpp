@@ -36,7 +36,8 @@ protected:
         const bool came = waitUntil([&] {
             window = probe.activeWindow();
             // Some call a window active for a moment after it has closed.
-            return probe.isManaged(window) && program.titleOf(window) == "Quorvel" &&
+            return probe.isManaged(window) &&
+                   program.titleOf(window) == (dialog ? "Quorvel" : "Quorvel Settings") &&
                    isDialog(window) == dialog && probe.inputFocus() == window;
         });
         EXPECT_TRUE(came) << "no window of the program has come to the front";

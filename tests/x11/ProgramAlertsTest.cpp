@@ -79,7 +79,7 @@ TEST_F(ProgramAlertsTest, AMissingApplicationIsReplacedInTheSettingsThatEnterOpe
     EXPECT_TRUE(program.waitUntilGone(alert));
     const xcb_window_t settings = program.waitForOwnWindow();
     EXPECT_NE(settings, alert);
-    EXPECT_EQ(program.titleOf(settings), "Quorvel");
+    EXPECT_EQ(program.titleOf(settings), "Quorvel Settings");
     EXPECT_TRUE(program.waitUntilActive(settings));
     keepPicture("program-settings-after-missing");
     EXPECT_EQ(program.terminate(), 0);

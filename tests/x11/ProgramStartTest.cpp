@@ -20,10 +20,12 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-const std::vector<std::string> emptyStart{
-    "Quorvel: no hot corners placed.", "Quorvel: edge reveal watcher armed",
-    "Quorvel: ready — 0 app(s) bound", "Quorvel: accessibility granted",
-    "Quorvel: no apps bound; opening Settings"};
+const std::vector<std::string> emptyStart{"Quorvel: no hot corners placed.",
+                                          "Quorvel: edge reveal watcher armed",
+                                          "Quorvel: ready — 0 app(s) bound",
+                                          "Quorvel: accessibility granted",
+                                          "Quorvel: no apps bound; opening Settings",
+                                          "Quorvel: settings window shown (680x620, 5 sections)"};
 
 class ProgramStartTest : public testing::Test {
 protected:
@@ -84,7 +86,7 @@ TEST_F(ProgramStartTest, WithNothingBoundTheSettingsOpenByThemselves) {
     program.bind({});
     program.start();
     const xcb_window_t window = program.waitForOwnWindow();
-    EXPECT_EQ(program.titleOf(window), "Quorvel");
+    EXPECT_EQ(program.titleOf(window), "Quorvel Settings");
     EXPECT_TRUE(program.probe().isViewable(window));
     EXPECT_THAT(program.logLines(), testing::ElementsAreArray(emptyStart));
     EXPECT_EQ(program.terminate(), 0);
@@ -93,7 +95,7 @@ TEST_F(ProgramStartTest, WithNothingBoundTheSettingsOpenByThemselves) {
 TEST_F(ProgramStartTest, SettingsThatCannotBeReadAreSetAsideInOneLine) {
     program.writeSettings("{ \"AppBindings\": [ {");
     program.start();
-    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel");
+    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel Settings");
     const fs::path kept = program.settingsFile.string() + ".unreadable-1";
     EXPECT_EQ(ProgramOnX::contentOf(kept), "{ \"AppBindings\": [ {");
     const auto lines = program.logLines();
@@ -113,7 +115,7 @@ TEST_F(ProgramStartTest, ValuesOfTheWrongTypeAreTakenForMissing) {
         "KnownDisplays": [1, 2], "HotZoneDwellMs": {}, "TuckAnimation": 7,
         "DidFlattenPlacements": true, "DidMigrateLegacySettings": true, "DidOfferLoginItem": true})");
     program.start();
-    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel");
+    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel Settings");
     EXPECT_THAT(program.logLines(), testing::ElementsAreArray(emptyStart));
     EXPECT_EQ(program.terminate(), 0);
 }
@@ -269,7 +271,7 @@ TEST_F(ProgramUnprivilegedTest, SettingsThatMayNotBeReadAreLeftAlone) {
     const std::string before = program.settingsText();
     fs::permissions(program.settingsFile, fs::perms::none);
     program.start({.prefix = ProgramOnX::asOrdinaryUser()});
-    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel");
+    EXPECT_EQ(program.titleOf(program.waitForOwnWindow()), "Quorvel Settings");
     EXPECT_EQ(program.terminate(), 0);
     fs::permissions(program.settingsFile, fs::perms::owner_read);
     EXPECT_EQ(program.settingsText(), before);
