@@ -33,8 +33,11 @@ QString ElidedLabel::shownText(int width) const {
     const QString whole = line(head);
     if (widthOf(whole) <= width) return whole;
     const int room = width - widthOf(tail);
-    const QString shownHead = fontMetrics().elidedText(head, Qt::ElideRight, qMax(0, room));
-    return line(shownHead.isEmpty() ? QStringLiteral("…") : shownHead);
+    const QString shownHead = fontMetrics().elidedText(head, Qt::ElideRight, room);
+    if (room <= 0 || shownHead.isEmpty()) {
+        return fontMetrics().elidedText(whole, Qt::ElideRight, width);
+    }
+    return line(shownHead);
 }
 
 QSize ElidedLabel::sizeHint() const {
@@ -42,8 +45,8 @@ QSize ElidedLabel::sizeHint() const {
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
-    const int least = widthOf(line(QStringLiteral("…")));
-    return {qMin(least, sizeHint().width()), fontMetrics().height()};
+    constexpr int shortest = 60;
+    return {qMin(shortest, sizeHint().width()), fontMetrics().height()};
 }
 
 bool ElidedLabel::event(QEvent* event) {

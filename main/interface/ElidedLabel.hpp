@@ -6,8 +6,8 @@
 
 namespace quorvel {
 
-/// One line of plain text, "head" and "tail". Where it does not fit, the head is cut short and the
-/// whole text is the tool tip; it never asks for more room than the tail needs.
+/// One line of plain text, "head" and "tail". Where it does not fit, the head is cut short, then
+/// the tail, and the whole text is the tool tip; it never asks for the room of all of it.
 class ElidedLabel final : public QLabel {
 public:
     ElidedLabel(const QString& head, QString tail, int pixelSize,

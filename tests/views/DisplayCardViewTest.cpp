@@ -215,6 +215,17 @@ TEST_F(DisplayCardViewTest, VeryLongNamesAreCutShortAndShownInFullAsToolTips) {
     }
 }
 
+TEST_F(DisplayCardViewTest, ANarrowCardStillHasRoomForItsButtons) {
+    show(cardWith({assigned("/firefox", bottomRightCorner, std::nullopt, "Clash")}));
+    view->resize(340, view->height());
+    QTest::qWait(0);
+    ASSERT_EQ(view->width(), 340);
+    const QPushButton* const edit = buttons("Edit")[0];
+    EXPECT_LE(edit->mapTo(view.get(), QPoint(edit->width(), 0)).x(), 340);
+    const QString full = QStringLiteral("Firefox — Bottom right hot corner");
+    EXPECT_EQ(labelOf(full)->toolTip(), full);
+}
+
 TEST_F(DisplayCardViewTest, NamesThatFitHaveNoToolTip) {
     show(cardWith({assigned("/firefox", topLeftCorner)}));
     EXPECT_TRUE(labelOf(QStringLiteral("Firefox — Top left hot corner"))->toolTip().isEmpty());
