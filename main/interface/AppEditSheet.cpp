@@ -298,9 +298,8 @@ bool AppEditSheet::isFree(const HotKeySpec& spec) const {
 }
 
 void AppEditSheet::done(int result) {
-    if (std::exchange(isDone, true)) return;
     QDialog::done(result);
-    // It may be the end of this sheet.
+    // Once; and it may be the end of this sheet.
     if (const auto act = std::exchange(onDone, nullptr)) act();
 }
 

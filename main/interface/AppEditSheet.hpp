@@ -120,7 +120,6 @@ private:
     AppIcons& icons;
     std::string liveHotKeyAtOpen;
     std::function<void()> onDone;
-    bool isDone = false;
 
     QLabel* icon = nullptr;
     ShortcutRecorderView* recorder = nullptr;

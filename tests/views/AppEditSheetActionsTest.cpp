@@ -244,6 +244,7 @@ TEST_F(AppEditSheetActionsTest, TuckNowOnADisplayActsOnTheEdgeThere) {
 }
 
 TEST_F(AppEditSheetActionsTest, TuckNowForAnApplicationThatIsNotRunningSaysSo) {
+    desktop.start(mail);
     settings.setPlacements({{editor, display, "none", "left"}});
     open(display);
     const int before = writes();
