@@ -133,7 +133,8 @@ TEST_F(ProgramFirstLaunchTest, WithNothingStoredItIsSetUpOnceAndLeftAloneAfterwa
         program.logLines(),
         ElementsAre(flattened(0, 0), registered, "Quorvel: no hot corners placed.",
                     "Quorvel: edge reveal watcher armed", "Quorvel: ready — 0 app(s) bound",
-                    "Quorvel: accessibility granted", "Quorvel: no apps bound; opening Settings"));
+                    "Quorvel: accessibility granted", "Quorvel: no apps bound; opening Settings",
+                    "Quorvel: settings window shown (680x620, 5 sections)"));
     expectUpgraded();
     EXPECT_EQ(stored("AppBindings"), Value(Array{}));
 

@@ -137,8 +137,8 @@ TEST_F(ProgramStartTest, AListThatHoldsMoreThanRecordsIsNoList) {
                           R"(", "hotKey": "control,option,N"}],
         "DidFlattenPlacements": true, "DidMigrateLegacySettings": true, "DidOfferLoginItem": true})");
     program.start();
-    EXPECT_THAT(program.logLines(), testing::ElementsAreArray(emptyStart));
     program.waitForOwnWindow();
+    EXPECT_THAT(program.logLines(), testing::ElementsAreArray(emptyStart));
 }
 
 TEST_F(ProgramStartTest, WithoutASessionBusItWorks) {
@@ -173,8 +173,10 @@ TEST_F(ProgramStartTest, TheServerGoingAwayUnderAnOpenWindowIsOneLineAndStatusOn
     program.waitForOwnWindow();
     program.session.server().kill();
     EXPECT_EQ(program.waitForExit(), 1);
-    EXPECT_THAT(program.linesSinceReady(), ElementsAre("Quorvel: no apps bound; opening Settings",
-                                                       "Quorvel: the X server has gone"));
+    EXPECT_THAT(program.linesSinceReady(),
+                ElementsAre("Quorvel: no apps bound; opening Settings",
+                            "Quorvel: settings window shown (680x620, 5 sections)",
+                            "Quorvel: the X server has gone"));
 }
 
 class ProgramAloneTest : public ProgramStartTest {
