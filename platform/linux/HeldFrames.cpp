@@ -45,10 +45,17 @@ HeldFrames::HeldFrames(XConnection& x, FrameReader& frames)
       arrivals(x.onArrival([this](const xcb_generic_event_t& event) {
           Entry* const entry = subjectOf(event);
           if (entry && !isBefore(event.full_sequence, entry->sequence)) entry->isKnown = false;
+          // The next window with this identifier is another one.
+          if (entry && isEndOfClient(event)) *entry = Entry{};
       })),
       events(x.onEvent([this](const xcb_generic_event_t& event) {
           if (subjectOf(event)) changes.notify();
       })) {}
+
+bool HeldFrames::isEndOfClient(const xcb_generic_event_t& event) const {
+    return (event.response_type & 0x7F) == XCB_DESTROY_NOTIFY &&
+           entries.contains(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+}
 
 HeldFrames::Entry* HeldFrames::subjectOf(const xcb_generic_event_t& event) {
     if (entries.empty()) return nullptr;

@@ -60,6 +60,7 @@ private:
     std::optional<WindowReading> judged(xcb_window_t client, Entry& entry,
                                         std::optional<WindowReading> reading) const;
     Entry* subjectOf(const xcb_generic_event_t& event);
+    bool isEndOfClient(const xcb_generic_event_t& event) const;
 
     XConnection& x;
     FrameReader& frames;

@@ -330,6 +330,26 @@ TEST(WindowAccessTroubleTest, WindowManagerThatPutsWindowsBesideThePlaceIsCorrec
     EXPECT_EQ(desktop.manager.requests(), 3) << "the correction is remembered";
 }
 
+// Else it is taken for where the one before was tucked to, and put back there.
+TEST(WindowAccessTroubleTest, AWindowWithTheIdentifierOfOneThatWasHeldStandsWhereItIsSeen) {
+    WindowAccessTrouble desktop({.windowManager = WindowManagerKind::openbox});
+    std::optional<TestClient> client(std::in_place, desktop.session.displayName());
+    const xcb_window_t first = desktop.session.open(*client, {.area = area});
+    const AXWindow held = desktop.handle(first);
+    const Rect home = desktop.frame(held);
+    desktop.access().hold(held, home);
+    ASSERT_EQ(desktop.move(held, {2 - home.width, home.y}), 0);
+    ASSERT_EQ(desktop.frame(held).x, 2 - home.width);
+
+    client.reset();
+    client.emplace(desktop.session.displayName());
+    const xcb_window_t second = desktop.session.open(*client, {.area = area});
+    ASSERT_EQ(second, first) << "the server has given it another identifier";
+    const AXWindow anew = desktop.handle(second);
+    ASSERT_NE(anew, held);
+    EXPECT_EQ(desktop.frame(anew), desktop.seen(second));
+}
+
 TEST(WindowAccessTroubleTest, WhatWasLearntEndsWithTheWindowManager) {
     const auto beside = [](const Rect&, Point asked) { return Point{asked.x - 3, asked.y + 17}; };
     WindowAccessTrouble desktop({.windowManager = std::nullopt});
