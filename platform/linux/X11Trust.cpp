@@ -77,10 +77,11 @@ std::string X11Trust::reason() const {
     }
     if (followsEwmh()) return {};
     if (!windowManagerRuns()) {
-        return "No window manager is running, so windows cannot be listed or moved.";
+        return "No window manager is running, so windows cannot be listed or moved. Start one, and "
+               "tucking works at once.";
     }
     return "The window manager does not follow the EWMH standard, so windows cannot be listed or "
-           "moved.";
+           "moved. Use one that does, such as that of any full desktop.";
 }
 
 bool X11Trust::isTrustedWithPrompt() {

@@ -5,6 +5,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "platform/linux/ExecutablePath.hpp"
 #include "platform/linux/PosixFiles.hpp"
 #include "platform/linux/StandardErrorLog.hpp"
 #include "platform/linux/X11Desktop.hpp"
@@ -42,7 +43,8 @@ private:
     native::StandardErrorLog log;
     native::PosixFiles files;
     native::XdgFolders folders;
-    native::XdgLoginItem loginItem{folders, "/usr/bin/Quorvel"};
+    // One that exists: an entry for another starts nothing.
+    native::XdgLoginItem loginItem{folders, native::executablePath()};
     native::X11Desktop native{*connection,
                               folders,
                               "/usr/bin/Quorvel",
