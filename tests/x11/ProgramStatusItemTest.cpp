@@ -51,7 +51,9 @@ protected:
                 if (std::find(before.begin(), before.end(), window) != before.end()) continue;
                 const auto frame = probe().clientArea(window);
                 if (!probe().isViewable(window) || !frame) continue;
-                if (frame->width > 60 && frame->height > 40) menu = *frame;
+                // In its place: some are shown before they are moved onto the screen.
+                const bool isOnScreen = frame->maxX() <= 1280 && frame->maxY() <= 800;
+                if (isOnScreen && frame->width > 60 && frame->height > 40) menu = *frame;
             }
             return !menu.isEmpty();
         });
