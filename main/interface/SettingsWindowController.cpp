@@ -14,6 +14,7 @@
 #include "main/interface/AppNames.hpp"
 #include "main/interface/ApplicationChooser.hpp"
 #include "main/interface/DisplayCardView.hpp"
+#include "main/interface/ElidedLabel.hpp"
 #include "main/interface/Style.hpp"
 #include "main/interface/Symbols.hpp"
 #include "main/settings/SettingsLayout.hpp"
@@ -162,10 +163,8 @@ void SettingsWindowController::buildSharedControls() {
     loginCheckbox = new QCheckBox(QStringLiteral("Launch at login"), window.get());
     connect(loginCheckbox, &QCheckBox::clicked, this, [this] { loginChanged(); });
 
-    status = Style::label({}, 11, Style::Colour::red);
+    status = new WrappedLabel(2, 11, Style::Colour::red);
     status->setParent(window.get());
-    status->setWordWrap(true);
-    status->setMaximumHeight(2 * status->fontMetrics().lineSpacing() + 2);
     status->hide();
     statusDivider = Style::separator();
     statusDivider->setParent(window.get());
@@ -239,10 +238,7 @@ QWidget* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t 
     row->addWidget(select);
 
     row->addWidget(iconLabel(icons.iconFor(app.appPath), 18));
-    QLabel* const nameLabel = Style::label({}, 13);
-    nameLabel->setText(nameLabel->fontMetrics().elidedText(name, Qt::ElideRight, 280));
-    nameLabel->setToolTip(text(app.appPath));
-    row->addWidget(nameLabel);
+    row->addWidget(new ElidedLabel(name, {}, 13));
 
     const auto spec = HotKeySpec::parse(app.hotKey);
     row->addWidget(Style::label(spec ? text(spec->display()) : QStringLiteral("None"), 11,
@@ -565,7 +561,6 @@ void SettingsWindowController::reportBindingHealth() {
 
 void SettingsWindowController::report(const QString& message) {
     status->setText(message);
-    status->setToolTip(message);
     status->setVisible(!message.isEmpty());
     statusDivider->setVisible(!message.isEmpty());
 }

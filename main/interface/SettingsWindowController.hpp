@@ -19,6 +19,7 @@
 #include "main/interface/AppEditSheet.hpp"
 #include "main/interface/AppIcons.hpp"
 #include "main/interface/FrontWindow.hpp"
+#include "main/interface/WrappedLabel.hpp"
 #include "main/settings/Placement.hpp"
 #include "main/settings/Settings.hpp"
 #include "main/shell/SettingsHost.hpp"
@@ -99,7 +100,7 @@ private:
     QLabel* dwellValue = nullptr;
     QComboBox* animationPopup = nullptr;
     QCheckBox* loginCheckbox = nullptr;
-    QLabel* status = nullptr;
+    WrappedLabel* status = nullptr;
     QWidget* statusDivider = nullptr;
 
     std::vector<QWidget*> sections;  ///< in the stack, from the top

@@ -1,9 +1,9 @@
 #include "main/interface/WrappedLabel.hpp"
 
-#include <QHelpEvent>
 #include <QPainter>
 #include <QTextLayout>
-#include <QToolTip>
+
+#include "main/interface/PlainToolTip.hpp"
 
 namespace quorvel {
 
@@ -32,9 +32,7 @@ int WrappedLabel::heightForWidth(int width) const {
 bool WrappedLabel::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && linesWithin(width()).join(QString()).contains(u'…') &&
         !text().contains(u'…')) {
-        // Escaped and marked as rich, since a tip guesses what its text is.
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
-                           QStringLiteral("<span>%1</span>").arg(text().toHtmlEscaped()), this);
+        showPlainToolTip(*static_cast<QHelpEvent*>(event), *this, text(), rect());
         return true;
     }
     return QLabel::event(event);

@@ -1,16 +1,15 @@
 #include "platform/linux/XdgLoginItem.hpp"
 
-#include <glib.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 #include <sstream>
 
 #include "platform/Text.hpp"
 #include "platform/linux/DesktopEntryFile.hpp"
 #include "platform/linux/FileIO.hpp"
+#include "platform/linux/GlibTypes.hpp"
 #include "platform/linux/ProgramName.hpp"
 
 namespace quorvel::native {
@@ -20,14 +19,9 @@ constexpr std::size_t largest = std::size_t{1} << 20;
 constexpr const char* group = G_KEY_FILE_DESKTOP_GROUP;
 constexpr const char* gnomeEnabled = "X-GNOME-Autostart-enabled";
 
-struct KeyFileDeleter {
-    void operator()(GKeyFile* file) const { g_key_file_free(file); }
-};
-using KeyFile = std::unique_ptr<GKeyFile, KeyFileDeleter>;
-
 /// Null when the text is no entry at all.
-KeyFile parse(const std::string& text) {
-    KeyFile file(g_key_file_new());
+OwnedKeyFile parse(const std::string& text) {
+    OwnedKeyFile file(g_key_file_new());
     const auto flags =
         static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
     if (g_key_file_load_from_data(file.get(), text.data(), text.size(), flags, nullptr) == FALSE ||
@@ -38,7 +32,7 @@ KeyFile parse(const std::string& text) {
 }
 
 /// An entry of nothing but the lines that switch it off or on, of whatever they stand in.
-KeyFile switchesIn(const std::string& text) {
+OwnedKeyFile switchesIn(const std::string& text) {
     std::string entry = "[" + std::string(group) + "]\n";
     const std::string header = trimmed(entry);
     bool isInGroup = true;  // also where the header is what is damaged
@@ -51,8 +45,8 @@ KeyFile switchesIn(const std::string& text) {
         const std::string key = trimmed(line.substr(0, equals));
         if (key == G_KEY_FILE_DESKTOP_KEY_HIDDEN || key == gnomeEnabled) entry += line + "\n";
     }
-    KeyFile file = parse(entry);
-    return file ? std::move(file) : KeyFile(g_key_file_new());
+    OwnedKeyFile file = parse(entry);
+    return file ? std::move(file) : OwnedKeyFile(g_key_file_new());
 }
 
 bool has(GKeyFile* file, const char* key) {
@@ -78,10 +72,7 @@ std::string execArgument(const std::string& path) {
 
 /// Unescaped; empty when there is none, or none that can be read.
 std::string textOf(GKeyFile* file, const char* key) {
-    gchar* value = g_key_file_get_string(file, group, key, nullptr);
-    std::string text = value != nullptr ? value : "";
-    g_free(value);
-    return text;
+    return takeText(g_key_file_get_string(file, group, key, nullptr));
 }
 
 /// Whether the path stands there as a whole, not as a part of a longer one.
@@ -124,7 +115,7 @@ XdgLoginItem::XdgLoginItem(const XdgFolders& folders, std::string executable)
 
 LoginItemStatus XdgLoginItem::status() const {
     const FileReading reading = readFile(path, largest);
-    KeyFile file = parse(reading.text);
+    OwnedKeyFile file = parse(reading.text);
     if (!file) file = switchesIn(reading.text);
     if (isSwitchedOff(file.get())) return LoginItemStatus::requiresApproval;
     return starts(file.get(), executable) ? LoginItemStatus::enabled
@@ -140,7 +131,7 @@ std::optional<std::string> XdgLoginItem::registerItem() {
     const FileReading reading = readFile(path, largest);
     if (reading.outcome == FileReading::Outcome::failed) return errorText(reading.error);
 
-    KeyFile file = parse(reading.text);
+    OwnedKeyFile file = parse(reading.text);
     const bool isToBeKept = !file && (reading.outcome == FileReading::Outcome::tooLarge ||
                                       !trimmed(reading.text).empty());
     if (!file) file = switchesIn(reading.text);
@@ -156,10 +147,7 @@ std::optional<std::string> XdgLoginItem::registerItem() {
     set(G_KEY_FILE_DESKTOP_KEY_ICON, "com.tessivane.quorvel");
     set(G_KEY_FILE_DESKTOP_KEY_TERMINAL, "false");
 
-    gsize length = 0;
-    gchar* data = g_key_file_to_data(file.get(), &length, nullptr);
-    const std::string text(data, length);
-    g_free(data);
+    const std::string text = takeText(g_key_file_to_data(file.get(), nullptr, nullptr));
     if (const int error = createFolder(folder); error != 0) return errorText(error);
     const SettingAside kept = isToBeKept ? setAside(path) : SettingAside{};
     if (kept.error != 0) return errorText(kept.error);

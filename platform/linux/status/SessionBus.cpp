@@ -51,8 +51,7 @@ void SessionBus::connect() {
     if (bus || pending) return;
     const auto where = address();
     if (!where) {
-        settled = true;
-        handlers.notify();
+        settle();
         return retry();
     }
     struct Attempt {
@@ -94,10 +93,11 @@ Subscription SessionBus::onChange(std::function<void()> handler) {
 
 void SessionBus::connected(GDBusConnection* connection) {
     pending.reset();
-    settled = true;
     if (connection == nullptr) {
+        settle();
         retry();
     } else {
+        settled = true;
         patience = firstPatience;
         bus.reset(connection);
         closedHandler =
@@ -106,8 +106,13 @@ void SessionBus::connected(GDBusConnection* connection) {
                                  static_cast<SessionBus*>(data)->lost();
                              }),
                              this);
+        handlers.notify();
     }
-    handlers.notify();
+}
+
+/// There is none for now; only the first time is that news.
+void SessionBus::settle() {
+    if (!std::exchange(settled, true)) handlers.notify();
 }
 
 void SessionBus::lost() {

@@ -41,6 +41,7 @@ public:
 
 private:
     void connected(GDBusConnection* connection);
+    void settle();
     void lost();
     void retry();
 
