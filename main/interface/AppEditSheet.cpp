@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "main/interface/AppNames.hpp"
+#include "main/interface/UserChoice.hpp"
 #include "main/settings/TextRecords.hpp"
 
 namespace quorvel {
@@ -162,9 +163,9 @@ void AppEditSheet::refresh() {
         const auto placement = placementHere();
         const auto corner = placement ? parseHotZoneCorner(placement->corner) : std::nullopt;
         // One button of the group is always on; switching one on switches the others off.
-        if (!corner) cornerOff->setChecked(true);
+        if (!corner) showSwitched(*cornerOff, true);
         for (std::size_t i = 0; i < cornerButtons.size(); ++i) {
-            if (corner == cornerGridOrder[i]) cornerButtons[i]->setChecked(true);
+            if (corner == cornerGridOrder[i]) showSwitched(*cornerButtons[i], true);
         }
         letTabReachTheChosen(cornerChoice);
         const EdgeSegments segments =
@@ -177,7 +178,7 @@ void AppEditSheet::refresh() {
     const std::string edgeRaw = anyPlacedEdgeRaw();
     const bool hasEdge = TuckEdge::parse(edgeRaw).has_value();
     autoTuckCheckbox->setEnabled(hasEdge);
-    autoTuckCheckbox->setChecked(hasEdge && binding && saysYes(binding->autoTuck));
+    showSwitched(*autoTuckCheckbox, hasEdge && binding && saysYes(binding->autoTuck));
     tuckNowButton->setEnabled(hasEdge);
     tuckNowButton->setText(host.isTucked(appPath, edgeRaw) ? QStringLiteral("Untuck Now")
                                                            : QStringLiteral("Tuck Now"));

@@ -5,6 +5,8 @@
 
 #include "main/interface/AppEditSheet.hpp"
 
+#include "main/interface/UserChoice.hpp"
+
 // How the sheet is laid out.
 namespace quorvel {
 namespace {
@@ -125,7 +127,7 @@ QLayout* AppEditSheet::cornerRow() {
     cornerOff->setObjectName(QStringLiteral("cornerOff"));
     cornerOff->setAccessibleName(QStringLiteral("No hot corner"));
     cornerChoice.addButton(cornerOff);
-    connect(cornerOff, &QRadioButton::clicked, this, [this] { cornerOffChosen(); });
+    onChosen(*cornerOff, *this, [this] { cornerOffChosen(); });
 
     auto* const box = new FramedBox;
     auto* const grid = new QGridLayout(box);
@@ -140,8 +142,7 @@ QLayout* AppEditSheet::cornerRow() {
             QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())) +
             QStringLiteral(" corner"));
         cornerChoice.addButton(button);
-        connect(button, &QRadioButton::clicked, this,
-                [this, corner] { cornerButtonChanged(corner); });
+        onChosen(*button, *this, [this, corner] { cornerButtonChanged(corner); });
         grid->addWidget(button, static_cast<int>(i / 2), static_cast<int>(i % 2));
         cornerButtons[i] = button;
     }
@@ -174,8 +175,7 @@ QLayout* AppEditSheet::autoTuckRow() {
     autoTuckCheckbox->setObjectName(QStringLiteral("autoTuckCheckbox"));
     autoTuckCheckbox->setToolTip(
         QStringLiteral("Keep the window tucked whenever the app is not active"));
-    connect(autoTuckCheckbox, &QCheckBox::clicked, this,
-            [this](bool isOn) { autoTuckChanged(isOn); });
+    onSwitched(*autoTuckCheckbox, *this, [this](bool isOn) { autoTuckChanged(isOn); });
     tuckNowButton = new QPushButton;
     tuckNowButton->setObjectName(QStringLiteral("tuckNowButton"));
     // Return is always "Done".

@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "main/interface/Style.hpp"
+#include "main/interface/UserChoice.hpp"
 
 namespace quorvel {
 namespace {
@@ -88,15 +89,15 @@ SegmentedControl::SegmentedControl(const QString& name, const QStringList& title
         auto* const segment = new Segment(titles[index], *this);
         layout->addWidget(segment);
         buttons.addButton(segment, index);
+        onChosen(*segment, *this, [this, index] {
+            if (onChange) onChange(index);
+        });
     }
     setSelectedIndex(0);
-    connect(&buttons, &QButtonGroup::idClicked, this, [this](int index) {
-        if (onChange) onChange(index);
-    });
 }
 
 void SegmentedControl::setSelectedIndex(int index) {
-    if (QAbstractButton* const button = buttons.button(index)) button->setChecked(true);
+    if (QAbstractButton* const button = buttons.button(index)) showSwitched(*button, true);
     letTabReachTheChosen(buttons);
 }
 

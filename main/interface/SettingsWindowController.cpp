@@ -1,6 +1,7 @@
 #include "main/interface/SettingsWindowController.hpp"
 
 #include <QApplication>
+#include <QButtonGroup>
 #include <QCursor>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -9,6 +10,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QThread>
 #include <algorithm>
 
 #include "main/interface/AppNames.hpp"
@@ -17,6 +19,7 @@
 #include "main/interface/ElidedLabel.hpp"
 #include "main/interface/Style.hpp"
 #include "main/interface/Symbols.hpp"
+#include "main/interface/UserChoice.hpp"
 #include "main/settings/SettingsLayout.hpp"
 #include "main/settings/TextRecords.hpp"
 #include "main/shell/LoginItem.hpp"
@@ -72,7 +75,8 @@ SettingsWindowController::SettingsWindowController(const Desktop& desktop, Setti
       controller(controller),
       front(std::move(front)),
       settings(desktop.defaults),
-      icons(desktop.catalog, desktop.files) {}
+      icons(desktop.catalog, desktop.files),
+      screenObserver(desktop.screens.onChange([this] { displaysChanged(); })) {}
 
 SettingsWindowController::~SettingsWindowController() = default;
 
@@ -161,7 +165,7 @@ void SettingsWindowController::buildSharedControls() {
     dwellValue->setParent(window.get());
 
     loginCheckbox = new QCheckBox(QStringLiteral("Launch at login"), window.get());
-    connect(loginCheckbox, &QCheckBox::clicked, this, [this] { loginChanged(); });
+    onSwitched(*loginCheckbox, *this, [this](bool) { loginChanged(); });
 
     status = new WrappedLabel(2, 11, Style::Colour::red);
     status->setParent(window.get());
@@ -196,6 +200,11 @@ void SettingsWindowController::rebuildSections() {
         section->hide();
         section->deleteLater();
     }
+    // Without this they stay when it was no event of the toolkit that has led here.
+    desktop.runLoop.async([] {
+        if (QThread::currentThread()->loopLevel() > 0) return;
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    });
     if (focused && focused->isVisibleTo(window.get())) focused->setFocus();
 }
 
@@ -206,8 +215,12 @@ void SettingsWindowController::addSection(QWidget* section) {
 
 QWidget* SettingsWindowController::appsPane(const std::vector<AppBinding>& bindings) {
     QVBoxLayout* const body = columnLayout(6);
+    QWidget* const list = holding(body);
+    // Arrow keys go from one to the next.
+    auto* const selection = new QButtonGroup(list);
     for (std::size_t index = 0; index < bindings.size(); ++index) {
         body->addWidget(rosterRow(bindings[index], index));
+        selection->addButton(rosterSelectionButtons.back());
     }
     if (bindings.empty()) {
         body->addWidget(Style::caption(QStringLiteral(
@@ -222,7 +235,7 @@ QWidget* SettingsWindowController::appsPane(const std::vector<AppBinding>& bindi
     return titledPane(QStringLiteral("Apps"),
                       QStringLiteral("Each app has one shortcut. Corners and tuck edges are set "
                                      "per display below."),
-                      QStringLiteral("app.badge"), holding(body));
+                      QStringLiteral("app.badge"), list);
 }
 
 QWidget* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t index) {
@@ -231,9 +244,8 @@ QWidget* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t 
 
     auto* const select = new QRadioButton;
     select->setAccessibleName(QStringLiteral("Select ") + name + QStringLiteral(" for removal"));
-    select->setAutoExclusive(false);
-    select->setChecked(selectedBindingIndex == index);
-    connect(select, &QRadioButton::clicked, this, [this, index] { rosterSelectionChanged(index); });
+    showSwitched(*select, selectedBindingIndex == index);
+    onChosen(*select, *this, [this, index] { rosterSelectionChanged(index); });
     rosterSelectionButtons.push_back(select);
     row->addWidget(select);
 
@@ -342,7 +354,7 @@ void SettingsWindowController::loadGeneralControls() {
                            .value_or(TuckAnimationStyle::slide);
     animationPopup->setCurrentIndex(animationPopup->findData(
         QString::fromUtf8(rawValue(style).data(), static_cast<qsizetype>(rawValue(style).size()))));
-    loginCheckbox->setChecked(desktop.loginItem.status() == LoginItemStatus::enabled);
+    showSwitched(*loginCheckbox, desktop.loginItem.status() == LoginItemStatus::enabled);
 }
 
 // The applications --------------------------------------------------------------------------------
@@ -397,7 +409,7 @@ void SettingsWindowController::removeSelectedBinding() {
 
 void SettingsWindowController::rosterSelectionChanged(std::size_t index) {
     for (std::size_t i = 0; i < rosterSelectionButtons.size(); ++i) {
-        rosterSelectionButtons[i]->setChecked(i == index);
+        showSwitched(*rosterSelectionButtons[i], i == index);
     }
     selectedBindingIndex = index;
     removeButton->setEnabled(true);
@@ -460,6 +472,12 @@ void SettingsWindowController::assignMenuItemChosen(const std::string& appPath) 
     presentSheet(appPath, displayRef, AppEditSheet::Arrival::assign(slot));
 }
 
+void SettingsWindowController::displaysChanged() {
+    desktop.runLoop.async([this, alive = life.watch()] {
+        if (!alive.expired() && window && window->isVisible()) rebuildSections();
+    });
+}
+
 void SettingsWindowController::forgetDisplay(const std::string& displayRef) {
     const int response =
         controller.runAlert({"Forget this display?",
@@ -502,7 +520,7 @@ void SettingsWindowController::animationChanged() {
 void SettingsWindowController::loginChanged() {
     const bool isOn = loginCheckbox->isChecked();
     if (const auto error = LoginItem::setEnabled(isOn, desktop.loginItem)) {
-        loginCheckbox->setChecked(!isOn);
+        showSwitched(*loginCheckbox, !isOn);
         report(text(error->errorDescription.value_or("")));
     } else {
         reportBindingHealth();

@@ -83,6 +83,8 @@ private:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+    void displaysChanged();
+
     Desktop desktop;
     SettingsHost& controller;
     FrontWindow front;
@@ -105,6 +107,9 @@ private:
 
     std::vector<QWidget*> sections;  ///< in the stack, from the top
     bool writeFailed = false;
+
+    Lifetime life;
+    Subscription screenObserver;
 };
 
 }  // namespace quorvel

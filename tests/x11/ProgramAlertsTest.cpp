@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/x11/AccessibleTree.hpp"
+#include "tests/x11/AccessibleApplication.hpp"
 #include "tests/x11/ProgramOnX.hpp"
 
 namespace quorvel::test {
@@ -29,12 +29,13 @@ protected:
         program.start({.environment = {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}}});
         program.press(program.shortcut);
         program.waitForOwnWindow();
+        const AccessibleApplication application(program.session.bus().address(), "Quorvel");
         std::vector<AccessibleNode> shown;
         waitUntil([&] {
-            shown = accessibleTree(program.session.bus().address(), "Quorvel");
-            std::erase_if(shown, [](const AccessibleNode& node) {
-                return node.name.empty() || (node.role != "label" && node.role != "push button");
-            });
+            for (const auto& [node, owner, path] : application.widgets()) {
+                const bool counts = node.role == "label" || node.role == "push button";
+                if (counts && !node.name.empty()) shown.push_back(node);
+            }
             return !shown.empty();
         });
         return shown;
