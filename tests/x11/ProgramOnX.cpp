@@ -117,6 +117,11 @@ std::vector<std::string> ProgramOnX::asOrdinaryUser() {
     return {"setpriv", "--reuid", id, "--regid", id, "--clear-groups", "--"};
 }
 
+std::vector<std::string> ProgramOnX::boundByPermissions() {
+    if (geteuid() != 0) return {};
+    return {"setpriv", "--bounding-set=-dac_override", "--"};
+}
+
 void ProgramOnX::handOver() const {
     using std::filesystem::perms;
     const std::filesystem::path root = session.folder().path();

@@ -59,6 +59,8 @@ public:
 
     /// A prefix that runs it as a user whom permissions bind, also when the tests run as root.
     static std::vector<std::string> asOrdinaryUser();
+    /// The same for the user that the tests run as, who stays able to reach the session's buses.
+    static std::vector<std::string> boundByPermissions();
     /// Gives all that the session has so far to that user.
     void handOver() const;
 

@@ -21,8 +21,9 @@ AccessibleApplication& SettingsOnX::application() {
     return *seen;
 }
 
-xcb_window_t SettingsOnX::openSettings() {
-    start({.environment = {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}}});
+xcb_window_t SettingsOnX::openSettings(Launch launch) {
+    launch.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    start(launch);
     const bool opensByItself = settingsText().find("appPath") == std::string::npos;
     return opensByItself ? waitForOwnWindow() : showSettings();
 }

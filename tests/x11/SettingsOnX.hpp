@@ -25,7 +25,7 @@ public:
     XInput& input() { return session.input(); }
 
     /// Starts with what is stored, and shows the window if that does not happen by itself.
-    xcb_window_t openSettings();
+    xcb_window_t openSettings(Launch launch = {});
     /// Asks the running program for its window.
     xcb_window_t showSettings();
 
