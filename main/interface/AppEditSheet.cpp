@@ -305,11 +305,15 @@ void AppEditSheet::done(int result) {
 }
 
 bool AppEditSheet::event(QEvent* event) {
+    const QEvent::Type type = event->type();
     const bool isHandled = QDialog::event(event);
-    if (doneButton == nullptr) return isHandled;
-    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::FontChange) fitHeight();
-    // The icon of what is not installed is drawn in a colour of the palette.
-    if (event->type() == QEvent::ApplicationPaletteChange) refresh();
+    // Any other event may have been the end of this sheet.
+    if (type == QEvent::LayoutRequest || type == QEvent::FontChange) {
+        if (doneButton != nullptr) fitHeight();
+    } else if (type == QEvent::ApplicationPaletteChange && doneButton != nullptr) {
+        // The icon of what is not installed is drawn in a colour of the palette.
+        refresh();
+    }
     return isHandled;
 }
 

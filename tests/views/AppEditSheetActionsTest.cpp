@@ -129,6 +129,25 @@ TEST_F(AppEditSheetActionsTest, ItsOwnShortcutIsStoredAgainWithoutATrial) {
     EXPECT_EQ(writes(), 1);
 }
 
+TEST_F(AppEditSheetActionsTest, ItsOwnShortcutInAnotherSpellingIsTriedLikeAnyOther) {
+    settings.setAppBindings({{editor, "ctrl, alt, k"}});
+    desktop.hotKeys.registerHotKey(virtualKeyCodes().at("K"), 0x1800, {1, 100});
+    open(display);
+    record(Qt::ControlModifier | Qt::AltModifier, "K");
+    EXPECT_EQ(status(), "⌃⌥K is already used by another app.");
+    EXPECT_EQ(storedHotKey(), "ctrl, alt, k");
+}
+
+TEST_F(AppEditSheetActionsTest, TheShortcutAtTheOpeningStaysItsOwnWhateverWasRecordedSince) {
+    desktop.hotKeys.registerHotKey(virtualKeyCodes().at("K"), 0x1800, {1, 100});
+    open(display);
+    record(Qt::AltModifier, "F5");
+    ASSERT_EQ(storedHotKey(), "option,F5");
+    record(Qt::ControlModifier | Qt::AltModifier, "K");
+    EXPECT_EQ(status(), "");
+    EXPECT_EQ(storedHotKey(), "control,option,K");
+}
+
 TEST_F(AppEditSheetActionsTest, AShortcutThatAnotherProgramHoldsIsRefused) {
     desktop.hotKeys.holdElsewhere(virtualKeyCodes().at("SPACE"), 0x800);
     open(display);
