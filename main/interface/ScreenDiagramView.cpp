@@ -245,6 +245,20 @@ void ScreenDiagramView::focusTarget(std::size_t index) {
     }
 }
 
+std::optional<Slot> ScreenDiagramView::currentSlot() const {
+    if (!current) return std::nullopt;
+    return targets()[*current].slot;
+}
+
+void ScreenDiagramView::setCurrentSlot(const Slot& slot) {
+    const auto all = targets();
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const Target& target) { return target.slot == slot; });
+    if (found == all.end()) return;
+    current = static_cast<std::size_t>(found - all.begin());
+    if (hasFocus()) tellFocus();
+}
+
 bool ScreenDiagramView::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QWidget::event(event);
     const auto& help = *static_cast<QHelpEvent*>(event);

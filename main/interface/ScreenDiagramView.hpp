@@ -51,6 +51,9 @@ public:
     /// Where the keys are, while the picture has the keyboard.
     std::optional<std::size_t> focusedTarget() const;
     void focusTarget(std::size_t index);
+    /// Where the keys are, or would be as soon as the picture gets the keyboard.
+    std::optional<Slot> currentSlot() const;
+    void setCurrentSlot(const Slot& slot);
 
 protected:
     bool event(QEvent* event) override;

@@ -9,7 +9,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
-#include <QScrollArea>
+#include <QScrollBar>
 #include <QThread>
 #include <algorithm>
 
@@ -17,6 +17,7 @@
 #include "main/interface/ApplicationChooser.hpp"
 #include "main/interface/DisplayCardView.hpp"
 #include "main/interface/ElidedLabel.hpp"
+#include "main/interface/ScreenDiagramView.hpp"
 #include "main/interface/Style.hpp"
 #include "main/interface/Symbols.hpp"
 #include "main/interface/UserChoice.hpp"
@@ -65,6 +66,12 @@ QLabel* iconLabel(const QIcon& icon, int size) {
     label->setPixmap(icon.pixmap(size, size));
     label->setFixedSize(size, size);
     return label;
+}
+
+QString spokenName(const QWidget& widget) {
+    const auto* const button = dynamic_cast<const QAbstractButton*>(&widget);
+    const QString name = widget.accessibleName();
+    return name.isEmpty() && button != nullptr ? button->text() : name;
 }
 
 }  // namespace
@@ -130,7 +137,7 @@ void SettingsWindowController::buildSharedControls() {
     sectionStack->setSpacing(20);
     sectionStack->setContentsMargins(18, 16, 18, 16);
     sectionStack->setAlignment(Qt::AlignTop);
-    auto* const scroll = new QScrollArea;
+    scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -173,6 +180,11 @@ void SettingsWindowController::buildSharedControls() {
     statusDivider = Style::separator();
     statusDivider->setParent(window.get());
     statusDivider->hide();
+    // They stay; all other sections go above them.
+    auto* const statusStack = columnLayout(8);
+    statusStack->addWidget(statusDivider);
+    statusStack->addWidget(status);
+    sectionStack->addLayout(statusStack);
 }
 
 // The column --------------------------------------------------------------------------------------
@@ -182,21 +194,21 @@ void SettingsWindowController::rebuildSections() {
     if (selectedBindingIndex && *selectedBindingIndex >= bindings.size()) {
         selectedBindingIndex.reset();
     }
-    const QPointer<QWidget> focused = window->focusWidget();
+    const auto focused = focusPlace();
+    const int scrolledBy = scroll->verticalScrollBar()->value();
     const auto before = std::exchange(sections, {});
-    for (QWidget* const section : before) sectionStack->removeWidget(section);
     rosterSelectionButtons.clear();
 
     addSection(appsPane(bindings));
     addCards(bindings);
     addSection(generalPane());
     loadGeneralControls();
-    addSection(statusDivider);
-    addSection(status);
+    sections.insert(sections.end(), {statusDivider, status});
 
     // One of them may be what was clicked on just now.
     for (QWidget* const section : before) {
         if (section == status || section == statusDivider) continue;
+        sectionStack->removeWidget(section);
         section->hide();
         section->deleteLater();
     }
@@ -205,12 +217,59 @@ void SettingsWindowController::rebuildSections() {
         if (QThread::currentThread()->loopLevel() > 0) return;
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     });
-    if (focused && focused->isVisibleTo(window.get())) focused->setFocus();
+    if (focused) restoreFocus(*focused);
+    // What was hidden with the keyboard in it has scrolled to where the keyboard went.
+    scroll->verticalScrollBar()->setValue(scrolledBy);
 }
 
 void SettingsWindowController::addSection(QWidget* section) {
-    sectionStack->addWidget(section);
+    sectionStack->insertWidget(sectionStack->count() - 1, section);
+    // The layout would show it later, and the column be scrolled to its top until then.
+    section->show();
     sections.push_back(section);
+}
+
+std::vector<QWidget*> SettingsWindowController::tabStops() const {
+    std::vector<QWidget*> stops;
+    for (const QWidget* const section : sections) {
+        for (QWidget* const each : section->findChildren<QWidget*>()) {
+            const bool isStop = (each->focusPolicy() & Qt::TabFocus) != 0;
+            if (isStop && each->window() == window.get()) stops.push_back(each);
+        }
+    }
+    return stops;
+}
+
+std::optional<SettingsWindowController::FocusPlace> SettingsWindowController::focusPlace() const {
+    const auto stops = tabStops();
+    const auto at = std::find(stops.begin(), stops.end(), window->focusWidget());
+    if (at == stops.end()) return std::nullopt;
+    FocusPlace place{spokenName(**at), at - stops.begin(), 0, std::nullopt};
+    place.occurrence = std::count_if(
+        stops.begin(), at, [&](const QWidget* each) { return spokenName(*each) == place.name; });
+    if (const auto* picture = dynamic_cast<const ScreenDiagramView*>(*at)) {
+        place.slot = picture->currentSlot();
+    }
+    return place;
+}
+
+/// To what has the same name; where that is gone, or off, to what is there now.
+void SettingsWindowController::restoreFocus(const FocusPlace& place) {
+    const auto stops = tabStops();
+    auto at = std::min(place.position, std::ssize(stops) - 1);
+    std::ptrdiff_t seen = 0;
+    for (std::ptrdiff_t i = 0; i < std::ssize(stops); ++i) {
+        if (spokenName(*stops[static_cast<std::size_t>(i)]) != place.name) continue;
+        at = i;
+        if (seen++ == place.occurrence) break;
+    }
+    while (at > 0 && !stops[static_cast<std::size_t>(at)]->isEnabled()) --at;
+    if (at < 0) return;
+    QWidget* const stop = stops[static_cast<std::size_t>(at)];
+    if (auto* picture = dynamic_cast<ScreenDiagramView*>(stop); picture != nullptr && place.slot) {
+        picture->setCurrentSlot(*place.slot);
+    }
+    stop->setFocus();
 }
 
 QWidget* SettingsWindowController::appsPane(const std::vector<AppBinding>& bindings) {

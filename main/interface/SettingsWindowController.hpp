@@ -3,12 +3,13 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
-#include <QPointer>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QSlider>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QWidget>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -61,6 +62,17 @@ private:
     void buildSharedControls();
     void rebuildSections();
     void addSection(QWidget* section);
+    /// Where the keyboard is, in a form that outlives a rebuild.
+    struct FocusPlace {
+        QString name;
+        std::ptrdiff_t position = 0;    ///< among all that Tab stops at
+        std::ptrdiff_t occurrence = 0;  ///< among those of the same name
+        std::optional<Slot> slot;       ///< in the picture of a display
+    };
+    std::optional<FocusPlace> focusPlace() const;
+    void restoreFocus(const FocusPlace& place);
+    /// What Tab stops at in the sections, as they are read.
+    std::vector<QWidget*> tabStops() const;
     QWidget* appsPane(const std::vector<AppBinding>& bindings);
     QWidget* rosterRow(const AppBinding& app, std::size_t index);
     void addCards(const std::vector<AppBinding>& bindings);
@@ -94,6 +106,7 @@ private:
     std::unique_ptr<QWidget> window;
     QToolButton* addButton = nullptr;
     QToolButton* removeButton = nullptr;
+    QScrollArea* scroll = nullptr;
     QVBoxLayout* sectionStack = nullptr;
     std::optional<std::size_t> selectedBindingIndex;  ///< of the stored bindings
     std::vector<QRadioButton*> rosterSelectionButtons;
