@@ -478,6 +478,8 @@ TEST_P(ProgramRecorderTest, KeysOfTheWindowManagerReachTheRecorderAndOnlyWhileIt
     }
     program.click("Done");
     EXPECT_TRUE(program.waitUntilGone(sheet));
+    // Shortcuts are let go of and taken again then.
+    EXPECT_TRUE(program.waitForRegistrations(2));
     program.press("control,option,K");
     const xcb_window_t opened = tasks.waitForWindow();
     EXPECT_TRUE(program.waitUntilActive(opened));
@@ -520,7 +522,7 @@ TEST_F(ProgramSettingsTest, TheRecorderGoesByPlaceAlsoOnALayoutWithoutLatinLette
     program.waitFor("Shortcut: ⌃⌥N");
     EXPECT_EQ(hotKeyOf(path), shortcut);
     program.click("Done");
-    EXPECT_TRUE(program.waitUntilActive(window));
+    EXPECT_TRUE(program.waitForRegistrations(1));
     EXPECT_TRUE(opensByShortcut());
 }
 

@@ -141,6 +141,15 @@ std::string SettingsOnX::field(const std::string& list, const std::string& key,
     return {};
 }
 
+bool SettingsOnX::waitForRegistrations(int count) const {
+    return waitUntil([&] {
+        const auto lines = linesSinceReady();
+        return count <= std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+                   return line.starts_with("Quorvel: global hotkey registered ");
+               });
+    });
+}
+
 bool SettingsOnX::opensAtLogin() const {
     const std::string entry =
         contentOf(session.folder() / "config/autostart/com.tessivane.quorvel.desktop");

@@ -59,6 +59,8 @@ public:
     std::string field(const std::string& list, const std::string& key, const std::string& value,
                       const std::string& field) const;
 
+    /// Until so many shortcuts have been registered since it was ready.
+    bool waitForRegistrations(int count) const;
     bool opensAtLogin() const;
 
     void keepPicture(const std::string& name) const;

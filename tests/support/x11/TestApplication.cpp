@@ -131,6 +131,7 @@ xcb_window_t TestApplication::waitForWindow() {
         window = session.probe().windowOfClass(className);
         return window != XCB_WINDOW_NONE;
     });
+    if (window == XCB_WINDOW_NONE) throw std::runtime_error(className + " opens no window");
     session.waitUntilShown(window);
     return window;
 }
