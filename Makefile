@@ -10,7 +10,7 @@ JOBS ?= $(shell nproc)
 TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
 CTEST := --output-on-failure --no-tests=error --progress
 
-.PHONY: run test deps build install bench matrix check format clean tour
+.PHONY: run test deps build install bench matrix check format clean tour pictures
 
 # Builds and starts the program on this desktop; where there is none, on a private one of its own,
 # where it walks through what the program does.
@@ -48,6 +48,7 @@ test:
 	@ctest --test-dir $(DEV) -L 'unit|views|property' -j $(JOBS) $(CTEST)
 	@ctest --test-dir $(DEV) -L contract -R /simulated -j $(JOBS) $(CTEST)
 	@ctest --test-dir $(RELEASE) -L property $(CTEST)
+	@scripts/settings-pictures
 	@# Window managers have races of their own on a busy machine: what fails must fail twice, and says so.
 	@ctest --test-dir $(RELEASE) -L 'contract|x11' -j $(TEST_JOBS) --repeat until-pass:2 $(CTEST)
 
@@ -64,8 +65,15 @@ install: build
 bench:
 	@scripts/install-packages build run desktop bench
 	@cmake --preset release -DQUORVEL_BENCHMARKS=ON >/dev/null
-	@cmake --build $(RELEASE) --target Quorvel quorvel-bench quorvel-bench-floor -j $(JOBS)
+	@cmake --build $(RELEASE) --target Quorvel quorvel-bench quorvel-bench-floor quorvel-bench-interface -j $(JOBS)
 	@scripts/bench
+
+# Every state of the settings, light and dark, in build/pictures/settings.
+pictures:
+	@scripts/install-packages build test desktop
+	@cmake --preset release -DQUORVEL_TESTS=ON >/dev/null
+	@cmake --build $(RELEASE) --target quorvel_settings_pictures -j $(JOBS)
+	@scripts/settings-pictures
 
 # What works on which window manager: tries it all and writes the table of the documentation.
 matrix:

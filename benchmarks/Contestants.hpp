@@ -29,6 +29,7 @@ struct Binding {
 struct Contestants {
     std::filesystem::path program;
     std::filesystem::path floor;
+    std::filesystem::path interface;  ///< windows alone
 
     /// Binds the terminal to Control+Alt+T for a later start, without an edge to tuck it to.
     static void configureProgram(Stage& stage);

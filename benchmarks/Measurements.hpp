@@ -33,4 +33,9 @@ std::vector<Row> measureDwells(const Contestants& contestants);
 /// Slides of the terminal to the left edge and back, under one window manager.
 std::vector<Row> measureSlides(const Contestants& contestants, test::WindowManagerKind kind);
 
+/// A rebuild of a large settings window, beside the same number of plain widgets; and from asking
+/// for the first settings window of a process until it shows something, beside the start of a
+/// program with nothing but a window.
+std::vector<Row> measureWindows(const Contestants& contestants);
+
 }  // namespace quorvel::bench

@@ -1,7 +1,8 @@
 // Prints one table: each figure beside its baseline from the same run. The baselines are the least
 // that a program can do (floor.cpp) and a well-known hot-key daemon.
 //
-//   quorvel-bench PROGRAM FLOOR [residents|starts|loads|rest|polls|dwells|slides|NAME …]
+//   quorvel-bench PROGRAM FLOOR INTERFACE
+//       [residents|starts|loads|rest|polls|dwells|windows|slides|NAME …]
 //
 // measures all, or only the parts that are named; NAME is a window manager to slide under.
 
@@ -34,7 +35,8 @@ std::vector<Part> allParts() {
                             {"loads", "loads", measureLoads},
                             {"rest", "rest", measureRest},
                             {"polls", "polls", [](const Contestants&) { return measurePolls(); }},
-                            {"dwells", "dwells", measureDwells}};
+                            {"dwells", "dwells", measureDwells},
+                            {"windows", "windows", measureWindows}};
     for (const auto kind : quorvel::test::allWindowManagers()) {
         parts.push_back({"slides", quorvel::test::nameOf(kind),
                          [kind](const Contestants& all) { return measureSlides(all, kind); }});
@@ -55,15 +57,15 @@ std::string machine() {
 
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> given(arguments, arguments + argumentCount);
-    if (given.size() < 3) {
-        std::cerr << "usage: quorvel-bench PROGRAM FLOOR "
-                     "[residents|starts|loads|rest|polls|dwells|slides|NAME …]\n";
+    if (given.size() < 4) {
+        std::cerr << "usage: quorvel-bench PROGRAM FLOOR INTERFACE "
+                     "[residents|starts|loads|rest|polls|dwells|windows|slides|NAME …]\n";
         return 2;
     }
-    const Contestants contestants{given[1], given[2]};
+    const Contestants contestants{given[1], given[2], given[3]};
     const auto isWanted = [&](const Part& part) {
-        return given.size() == 3 ||
-               std::any_of(given.begin() + 3, given.end(), [&](const std::string& word) {
+        return given.size() == 4 ||
+               std::any_of(given.begin() + 4, given.end(), [&](const std::string& word) {
                    return word == part.group || word == part.name;
                });
     };
@@ -76,13 +78,14 @@ int main(int argumentCount, char** arguments) {
             const std::vector<Row> more = part.measure(contestants);
             rows.insert(rows.end(), more.begin(), more.end());
         }
-        std::cout << "Xvfb, openbox where no other window manager is named. " << before
-                  << " before, " << machine().substr(machine().find("load")) << " after, "
-                  << text(milliseconds(Clock::now() - start) / 1000, 0) << " s.\n\n"
-                  << table(rows)
-                  << "\nfloor: a bare xcb program that does only this. sxhkd "
-                     "runs `wmctrl -xa`. "
-                     "MB are millions of bytes.\n";
+        std::cout
+            << "Xvfb, openbox where no other window manager is named. " << before << " before, "
+            << machine().substr(machine().find("load")) << " after, "
+            << text(milliseconds(Clock::now() - start) / 1000, 0) << " s.\n\n"
+            << table(rows)
+            << "\nfloor: a bare xcb program that does only this; of windows, plain widgets. sxhkd "
+               "runs `wmctrl -xa`. "
+               "MB are millions of bytes.\n";
     } catch (const std::exception& failure) {
         std::cerr << "quorvel-bench: " << failure.what() << '\n';
         return 1;

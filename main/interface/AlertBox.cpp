@@ -18,6 +18,16 @@ std::unique_ptr<QMessageBox> makeAlertBox(const Alert& alert) {
     box->setInformativeText(QString::fromStdString(alert.informativeText));
     // Both texts hold paths and messages of others, which may look like markup.
     for (QLabel* label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+    if (auto* const message = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont font = message->font();
+        font.setBold(true);
+        message->setFont(font);
+    }
+    if (auto* const body = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        // Or it is as narrow as the message above it.
+        constexpr int widest = 420;
+        body->setMinimumWidth(qMin(widest, body->fontMetrics().size(0, body->text()).width() + 2));
+    }
 
     int response = alertFirstButtonReturn;
     for (const std::string& title : alert.buttons) {

@@ -51,7 +51,8 @@ void AppEditSheet::loadView() {
     stack->addLayout(header());
     stack->addLayout(settingsGrid());
     stack->addLayout(autoTuckRow());
-    status = new WrappedLabel(2, 11, Style::Colour::red);
+    // Of a long name the middle may go, but not what is said about it.
+    status = new WrappedLabel(2, 11, Style::Colour::red, QFont::Normal, Qt::ElideMiddle);
     status->setObjectName(QStringLiteral("status"));
     stack->addWidget(status);
     stack->addWidget(Style::separator());
@@ -72,7 +73,8 @@ QLayout* AppEditSheet::header() {
     icon = new QLabel;
     icon->setFixedSize(28, 28);
     layout->addWidget(icon);
-    auto* const titleLabel = new WrappedLabel(1, 15, Style::Colour::label, QFont::DemiBold);
+    auto* const titleLabel =
+        new WrappedLabel(1, 15, Style::Colour::label, QFont::DemiBold, Qt::ElideMiddle);
     titleLabel->setObjectName(QStringLiteral("title"));
     titleLabel->setText(title());
     layout->addWidget(titleLabel, 1);

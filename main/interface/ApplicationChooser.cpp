@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QSortFilterProxyModel>
 #include <QVBoxLayout>
 #include <utility>
@@ -48,6 +49,19 @@ private:
     AppIcons& icons;
 };
 
+/// Says so where nothing matches the search.
+class ProgramList final : public QListView {
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QListView::paintEvent(event);
+        if (model()->rowCount() > 0) return;
+        QPainter painter(viewport());
+        painter.setPen(Style::colour(Style::Colour::secondaryLabel, palette()));
+        painter.drawText(viewport()->rect(), Qt::AlignCenter,
+                         QStringLiteral("No application found"));
+    }
+};
+
 bool isProgram(const QString& path) {
     const QFileInfo file(path);
     return file.isFile() &&
@@ -62,7 +76,7 @@ ApplicationChooser::ApplicationChooser(QWidget& parent, const ApplicationCatalog
                                        std::function<void(const std::string&)> onChosen)
     : QDialog(&parent),
       searchField(new QLineEdit),
-      list(new QListView),
+      list(new ProgramList),
       addButton(new QPushButton(QStringLiteral("Add"))),
       onChosen(std::move(onChosen)) {
     setWindowTitle(QStringLiteral("Quorvel"));

@@ -61,7 +61,7 @@ protected:
     }
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        icon().paint(&painter, rect());
+        painter.drawPixmap(rect(), icon().pixmap(QSize(side, side), devicePixelRatioF()));
     }
 
 private:
@@ -72,17 +72,6 @@ private:
                                Style::colour(Style::Colour::red, palette()));
     }
 };
-
-QPushButton* smallButton(const QString& title) {
-    auto* const button = new QPushButton(title);
-    button->setFont(Style::font(11));
-    button->setAutoDefault(false);
-    // Styles make room for the titles of dialogs.
-    constexpr int padding = 24;
-    button->setFixedWidth(button->fontMetrics().horizontalAdvance(title) + padding);
-    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    return button;
-}
 
 template <class Layout>
 Layout* stack(QWidget* widget, int spacing) {
@@ -170,7 +159,7 @@ QWidget* DisplayCardView::list(const NameForApp& nameForApp) {
     auto* const rows = stack<QVBoxLayout>(list, 3);
     for (int i = 0; i < static_cast<int>(card.rows.size()); ++i) {
         const std::string& path = card.rows[static_cast<std::size_t>(i)].appPath;
-        rows->addWidget(rowView(i, nameForApp ? nameForApp(path) : path));
+        rows->addLayout(rowView(i, nameForApp ? nameForApp(path) : path));
     }
     if (card.rows.empty()) {
         QLabel* const empty = Style::label(
@@ -181,7 +170,7 @@ QWidget* DisplayCardView::list(const NameForApp& nameForApp) {
         rows->addWidget(empty);
     }
     if (!card.isAttached) {
-        QPushButton* const forget = smallButton(QStringLiteral("Forget This Display…"));
+        QPushButton* const forget = Style::smallButton(QStringLiteral("Forget This Display…"));
         forget->setAccessibleDescription(QString::fromStdString(card.name));
         connect(forget, &QPushButton::clicked, this, [this] { forgetTapped(); });
         rows->addWidget(forget);
@@ -190,14 +179,14 @@ QWidget* DisplayCardView::list(const NameForApp& nameForApp) {
     return list;
 }
 
-QWidget* DisplayCardView::rowView(int index, const std::string& name) {
+QLayout* DisplayCardView::rowView(int index, const std::string& name) {
     const Assignment& assignment = card.rows[static_cast<std::size_t>(index)];
-    auto* const view = new QWidget;
-    auto* const row = stack<QHBoxLayout>(view, 6);
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(6);
     auto* const text = new ElidedLabel(QString::fromStdString(name),
                                        QStringLiteral(" — ") + placeText(assignment), 12);
     row->addWidget(text);
-    QPushButton* const edit = smallButton(QStringLiteral("Edit"));
+    QPushButton* const edit = Style::smallButton(QStringLiteral("Edit"));
     edit->setAccessibleName(QStringLiteral("Edit ") + text->text());
     connect(edit, &QPushButton::clicked, this, [this, index] { editTapped(index); });
     if (assignment.warning) {
@@ -207,7 +196,7 @@ QWidget* DisplayCardView::rowView(int index, const std::string& name) {
     }
     row->addWidget(edit);
     row->addStretch(1);
-    return view;
+    return row;
 }
 
 }  // namespace quorvel

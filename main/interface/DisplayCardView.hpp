@@ -34,7 +34,7 @@ private:
     QWidget* heading() const;
     QWidget* picture(IconForApp iconForApp, NameForApp nameForApp, OnAssign onAssign);
     QWidget* list(const NameForApp& nameForApp);
-    QWidget* rowView(int index, const std::string& name);
+    QLayout* rowView(int index, const std::string& name);
 };
 
 }  // namespace quorvel

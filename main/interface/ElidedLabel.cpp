@@ -31,7 +31,7 @@ ElidedLabel::ElidedLabel(const QString& head, QString tail, int pixelSize, Style
 
 QString ElidedLabel::shownText(int width) const {
     const QString whole = line(head);
-    if (widthOf(whole) <= width) return whole;
+    if (sizeHint().width() <= width) return whole;
     const int room = width - widthOf(tail);
     const QString shownHead = fontMetrics().elidedText(head, Qt::ElideRight, room);
     if (room <= 0 || shownHead.isEmpty()) {
@@ -41,18 +41,26 @@ QString ElidedLabel::shownText(int width) const {
 }
 
 QSize ElidedLabel::sizeHint() const {
-    return {widthOf(line(head)), fontMetrics().height()};
+    // Layouts ask many times over, and shaping a text is dear.
+    if (!natural) natural = QSize(widthOf(line(head)), fontMetrics().height());
+    return *natural;
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
     constexpr int shortest = 60;
-    return {qMin(shortest, sizeHint().width()), fontMetrics().height()};
+    const QSize whole = sizeHint();
+    return {qMin(shortest, whole.width()), whole.height()};
 }
 
 bool ElidedLabel::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip || toolTip().isEmpty()) return QLabel::event(event);
     showPlainToolTip(*static_cast<QHelpEvent*>(event), *this, toolTip(), rect());
     return true;
+}
+
+void ElidedLabel::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange) natural.reset();
+    QLabel::changeEvent(event);
 }
 
 void ElidedLabel::resizeEvent(QResizeEvent* event) {
@@ -74,8 +82,9 @@ int ElidedLabel::widthOf(const QString& text) const {
 }
 
 QString ElidedLabel::line(const QString& shownHead) const {
-    if (tail.isEmpty()) return shownHead;
-    // Isolated: letters that run from right to left must not carry the tail along.
+    if (tail.isEmpty() && !head.isRightToLeft()) return shownHead;
+    // Isolated: a name reads by its own direction, and one that runs from right to left must not
+    // carry the tail along.
     return QChar(0x2068) + shownHead + QChar(0x2069) + tail;
 }
 

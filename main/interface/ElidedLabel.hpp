@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <optional>
 
 #include "main/interface/Style.hpp"
 
@@ -21,6 +22,7 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
@@ -31,6 +33,7 @@ private:
     QString head;  ///< without line breaks
     QString tail;
     Style::Colour role;
+    mutable std::optional<QSize> natural;  ///< of the whole text, once it was asked for
 };
 
 }  // namespace quorvel

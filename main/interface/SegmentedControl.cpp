@@ -36,7 +36,6 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        if (!isEnabled()) painter.setOpacity(0.45);
         const QColor accent = Style::colour(Style::Colour::accent, palette());
         const QColor outline = Style::colour(Style::Colour::separator, palette());
 
@@ -55,17 +54,23 @@ protected:
                 QPen(isChecked() ? palette().color(QPalette::HighlightedText) : accent, 1.5));
             painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), radius - 2, radius - 2);
         }
-        painter.setPen(
-            palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
+        painter.setPen(ink());
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
     }
 
 private:
     QColor ground(const QColor& accent) const {
-        if (isChecked()) return accent;
+        if (isChecked()) {
+            return isEnabled() ? accent : Style::colour(Style::Colour::separator, palette());
+        }
         const QColor button = palette().color(QPalette::Button);
         if (isDown()) return button.darker(115);
         return underMouse() && isEnabled() ? button.lighter(108) : button;
+    }
+
+    QColor ink() const {
+        if (!isEnabled()) return palette().color(QPalette::Disabled, QPalette::ButtonText);
+        return palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText);
     }
 
     const SegmentedControl& row;

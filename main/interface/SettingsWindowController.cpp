@@ -114,13 +114,12 @@ void SettingsWindowController::buildWindow() {
     }
     buildSharedControls();
     rebuildSections();
+    window->installEventFilter(this);
 }
 
 void SettingsWindowController::buildSharedControls() {
-    const QColor colour = Style::colour(Style::Colour::label, QApplication::palette());
-    const auto squareButton = [&](const char* symbol, const char* name, auto action) {
+    const auto squareButton = [&](const char* name, auto action) {
         auto* const button = new QToolButton(window.get());
-        button->setIcon(Symbols::symbol(QString::fromUtf8(symbol), colour));
         button->setAccessibleName(QString::fromUtf8(name));
         button->setToolTip(QString::fromUtf8(name));
         button->setFixedSize(26, 24);
@@ -128,15 +127,18 @@ void SettingsWindowController::buildSharedControls() {
         connect(button, &QToolButton::clicked, this, action);
         return button;
     };
-    addButton = squareButton("plus", "Add an app", [this] { addBindingTapped(); });
-    removeButton =
-        squareButton("minus", "Remove the selected app", [this] { removeSelectedBinding(); });
+    addButton = squareButton("Add an app", [this] { addBindingTapped(); });
+    removeButton = squareButton("Remove the selected app", [this] { removeSelectedBinding(); });
+    colourButtons();
 
     auto* const column = new QWidget;
-    sectionStack = new QVBoxLayout(column);
-    sectionStack->setSpacing(20);
-    sectionStack->setContentsMargins(18, 16, 18, 16);
-    sectionStack->setAlignment(Qt::AlignTop);
+    auto* const whole = new QVBoxLayout(column);
+    whole->setContentsMargins(18, 16, 18, 16);
+    whole->setSpacing(0);
+    sectionStack = columnLayout(20);
+    whole->addLayout(sectionStack);
+    // What the window has to spare is below all of them, not between them.
+    whole->addStretch(1);
     scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
@@ -185,6 +187,12 @@ void SettingsWindowController::buildSharedControls() {
     statusStack->addWidget(statusDivider);
     statusStack->addWidget(status);
     sectionStack->addLayout(statusStack);
+}
+
+void SettingsWindowController::colourButtons() {
+    const QColor colour = Style::colour(Style::Colour::label, QApplication::palette());
+    addButton->setIcon(Symbols::symbol(QStringLiteral("plus"), colour));
+    removeButton->setIcon(Symbols::symbol(QStringLiteral("minus"), colour));
 }
 
 // The column --------------------------------------------------------------------------------------
@@ -278,7 +286,7 @@ QWidget* SettingsWindowController::appsPane(const std::vector<AppBinding>& bindi
     // Arrow keys go from one to the next.
     auto* const selection = new QButtonGroup(list);
     for (std::size_t index = 0; index < bindings.size(); ++index) {
-        body->addWidget(rosterRow(bindings[index], index));
+        body->addLayout(rosterRow(bindings[index], index));
         selection->addButton(rosterSelectionButtons.back());
     }
     if (bindings.empty()) {
@@ -297,7 +305,7 @@ QWidget* SettingsWindowController::appsPane(const std::vector<AppBinding>& bindi
                       QStringLiteral("app.badge"), list);
 }
 
-QWidget* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t index) {
+QLayout* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t index) {
     const QString name = text(appName(desktop.catalog, app.appPath));
     QHBoxLayout* const row = rowLayout(8);
 
@@ -319,13 +327,11 @@ QWidget* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t 
     }
     row->addStretch();
 
-    auto* const edit = new QPushButton(QStringLiteral("Edit"));
+    QPushButton* const edit = Style::smallButton(QStringLiteral("Edit"));
     edit->setAccessibleName(QStringLiteral("Edit ") + name);
-    edit->setFont(Style::font(11));
-    edit->setAutoDefault(false);
     connect(edit, &QPushButton::clicked, this, [this, index] { rosterEditTapped(index); });
     row->addWidget(edit);
-    return holding(row);
+    return row;
 }
 
 void SettingsWindowController::addCards(const std::vector<AppBinding>& bindings) {
@@ -595,6 +601,19 @@ void SettingsWindowController::restoreDefaults() {
 }
 
 bool SettingsWindowController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == window.get()) {
+        // Drawings have the colours of the palette that they were made under.
+        if (event->type() == QEvent::ApplicationPaletteChange) {
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    colourButtons();
+                    rebuildSections();
+                },
+                Qt::QueuedConnection);
+        }
+        return false;
+    }
     if (event->type() == QEvent::Wheel) {
         // It scrolls the column, whatever lies under the pointer meanwhile.
         event->ignore();

@@ -60,6 +60,8 @@ private:
 
     void buildWindow();
     void buildSharedControls();
+    /// As the palette says.
+    void colourButtons();
     void rebuildSections();
     void addSection(QWidget* section);
     /// Where the keyboard is, in a form that outlives a rebuild.
@@ -74,7 +76,7 @@ private:
     /// What Tab stops at in the sections, as they are read.
     std::vector<QWidget*> tabStops() const;
     QWidget* appsPane(const std::vector<AppBinding>& bindings);
-    QWidget* rosterRow(const AppBinding& app, std::size_t index);
+    QLayout* rosterRow(const AppBinding& app, std::size_t index);
     void addCards(const std::vector<AppBinding>& bindings);
     QWidget* generalPane();
     QWidget* titledPane(const QString& title, const QString& subtitle, const QString& icon,

@@ -3,13 +3,11 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFrame>
+#include <QPainter>
+#include <vector>
 
 namespace quorvel::Style {
 namespace {
-
-bool isDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < 128;
-}
 
 QColor mixed(const QColor& a, const QColor& b, double share) {
     const auto mix = [share](float x, float y) {
@@ -17,6 +15,37 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
     };
     return QColor::fromRgbF(mix(a.redF(), b.redF()), mix(a.greenF(), b.greenF()),
                             mix(a.blueF(), b.blueF()));
+}
+
+/// How many lines words of these widths take.
+int linesIn(int width, const std::vector<int>& words, int blank) {
+    int lines = 1;
+    int used = 0;
+    for (const int word : words) {
+        const int needed = used == 0 ? word : used + blank + word;
+        if (used > 0 && needed > width) ++lines;
+        used = used > 0 && needed > width ? word : needed;
+    }
+    return lines;
+}
+
+/// The least width in which the text takes no more lines than in `maxWidth`: no last line of one
+/// word.
+int balancedWidth(const QString& text, const QFontMetrics& metrics, int maxWidth) {
+    const int onOneLine = metrics.horizontalAdvance(text) + 2;
+    if (onOneLine <= maxWidth) return onOneLine;
+    std::vector<int> words;
+    int longest = 0;
+    for (const QString& word : text.split(QLatin1Char(' '))) {
+        words.push_back(metrics.horizontalAdvance(word) + 1);
+        longest = qMax(longest, words.back());
+    }
+    const int blank = metrics.horizontalAdvance(QLatin1Char(' '));
+    const int lines = linesIn(maxWidth, words, blank);
+    int width = maxWidth;
+    while (width > longest && linesIn(width - 1, words, blank) <= lines) --width;
+    // Words are measured apart here.
+    return qMin(maxWidth, width + 2);
 }
 
 class ColouredLabel final : public QLabel {
@@ -27,24 +56,40 @@ public:
     }
 
 protected:
-    void changeEvent(QEvent* event) override {
-        QLabel::changeEvent(event);
-        // That of the application: one's own changes by what is done here.
-        if (event->type() == QEvent::ApplicationPaletteChange) setColour();
+    bool event(QEvent* event) override {
+        // Of a change of the application's, only windows are told as such.
+        const auto type = event->type();
+        if (type == QEvent::ApplicationPaletteChange || type == QEvent::PaletteChange) setColour();
+        return QLabel::event(event);
     }
 
 private:
     void setColour() {
-        if (role == Colour::label) return;
+        const QColor wanted = colour(role, QApplication::palette());
+        if (role == Colour::label || palette().color(QPalette::WindowText) == wanted) return;
         QPalette own = palette();
-        own.setColor(QPalette::WindowText, colour(role, QApplication::palette()));
+        own.setColor(QPalette::WindowText, wanted);
         setPalette(own);
     }
 
     Colour role;
 };
 
+class Line final : public QFrame {
+public:
+    Line() { setFrameShape(QFrame::HLine); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter(this).fillRect(rect(), colour(Colour::separator, palette()));
+    }
+};
+
 }  // namespace
+
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < 128;
+}
 
 QColor colour(Colour role, const QPalette& palette) {
     const QColor text = palette.color(QPalette::WindowText);
@@ -56,7 +101,8 @@ QColor colour(Colour role, const QPalette& palette) {
         case Colour::secondaryLabel:
             return mixed(text, ground, 0.35);
         case Colour::tertiaryLabel:
-            return mixed(text, ground, 0.5);
+            // Still 4.5 : 1 on either ground.
+            return mixed(text, ground, 0.43);
         case Colour::separator:
             return mixed(text, ground, 0.8);
         case Colour::underPage:
@@ -89,19 +135,26 @@ QLabel* label(const QString& text, int pixelSize, Colour role, QFont::Weight wei
 QLabel* caption(const QString& text, int maxWidth) {
     QLabel* const result = label(text, 11, Colour::secondaryLabel);
     result->setWordWrap(true);
-    result->setMaximumWidth(maxWidth);
-    result->setMinimumWidth(qMin(maxWidth, result->fontMetrics().horizontalAdvance(text) + 2));
+    const int width = balancedWidth(text, result->fontMetrics(), maxWidth);
+    result->setMaximumWidth(width);
+    result->setMinimumWidth(width);
     return result;
 }
 
+QPushButton* smallButton(const QString& title) {
+    auto* const button = new QPushButton(title);
+    button->setFont(font(11));
+    button->setAutoDefault(false);
+    // Styles make room for the titles of dialogs.
+    constexpr int padding = 24;
+    button->setFixedWidth(button->fontMetrics().horizontalAdvance(title) + padding);
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    return button;
+}
+
 QWidget* separator() {
-    auto* const line = new QFrame;
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Plain);
+    auto* const line = new Line;
     line->setFixedHeight(1);
-    QPalette palette = line->palette();
-    palette.setColor(QPalette::WindowText, colour(Colour::separator, QApplication::palette()));
-    line->setPalette(palette);
     return line;
 }
 

@@ -4,6 +4,7 @@
 #include <QFont>
 #include <QLabel>
 #include <QPalette>
+#include <QPushButton>
 #include <QString>
 #include <QWidget>
 
@@ -23,6 +24,8 @@ enum class Colour {
     accent
 };
 
+bool isDark(const QPalette& palette);
+
 QColor colour(Colour role, const QPalette& palette);
 
 /// The desktop's font in this size.
@@ -32,8 +35,12 @@ QFont font(int pixelSize, QFont::Weight weight = QFont::Normal);
 QLabel* label(const QString& text, int pixelSize, Colour role = Colour::label,
               QFont::Weight weight = QFont::Normal);
 
-/// Of 11 pixels in the secondary colour, wrapped to at most this width.
+/// Of 11 pixels in the secondary colour, wrapped to at most this width into lines of about the same
+/// length.
 QLabel* caption(const QString& text, int maxWidth = 400);
+
+/// A push button of the small size, no wider than its title needs.
+QPushButton* smallButton(const QString& title);
 
 /// A horizontal line.
 QWidget* separator();

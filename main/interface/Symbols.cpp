@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QIconEngine>
 #include <QPainter>
+#include <QPixmapCache>
 #include <QSvgRenderer>
 
 // Resources of a library are not registered by themselves.
@@ -15,7 +16,8 @@ namespace {
 
 class SymbolEngine final : public QIconEngine {
 public:
-    explicit SymbolEngine(QByteArray drawing) : drawing(std::move(drawing)) {}
+    SymbolEngine(QString name, QByteArray drawing)
+        : name(std::move(name)), drawing(std::move(drawing)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         constexpr double disabled = 0.4;
@@ -25,16 +27,24 @@ public:
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        QPixmap pixmap(size);
+        const QString key =
+            QStringLiteral("%1 %2 %3 %4").arg(name).arg(size.width()).arg(size.height()).arg(mode);
+        QPixmap pixmap;
+        // A column may have the same one a hundred times.
+        if (QPixmapCache::find(key, &pixmap)) return pixmap;
+        pixmap = QPixmap(size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
         paint(&painter, QRect(QPoint(), size), mode, state);
+        painter.end();
+        QPixmapCache::insert(key, pixmap);
         return pixmap;
     }
 
-    QIconEngine* clone() const override { return new SymbolEngine(drawing); }
+    QIconEngine* clone() const override { return new SymbolEngine(name, drawing); }
 
 private:
+    QString name;  ///< with its colour
     QByteArray drawing;
 };
 
@@ -44,8 +54,9 @@ QIcon symbol(const QString& name, const QColor& colour) {
     registerSymbols();
     QFile file(QStringLiteral(":/symbols/") + name + QStringLiteral(".svg"));
     if (!file.open(QIODevice::ReadOnly)) return {};
-    return QIcon(
-        new SymbolEngine(file.readAll().replace("currentColor", colour.name().toLatin1())));
+    const QString ink = colour.name();
+    return QIcon(new SymbolEngine(QStringLiteral("symbol ") + name + ink,
+                                  file.readAll().replace("currentColor", ink.toLatin1())));
 }
 
 }  // namespace quorvel::Symbols

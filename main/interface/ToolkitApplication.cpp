@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <string>
 
+#include "main/interface/IndicatorStyle.hpp"
 #include "platform/Text.hpp"
 
 namespace quorvel {
@@ -81,6 +82,7 @@ std::unique_ptr<ToolkitApplication> ToolkitApplication::start(const InterfaceHos
     const ProcessState kept;
     std::unique_ptr<ToolkitApplication> application(new ToolkitApplication(host));
     findIcons();
+    IndicatorStyle::install();
     return application;
 }
 

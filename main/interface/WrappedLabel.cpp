@@ -7,8 +7,9 @@
 
 namespace quorvel {
 
-WrappedLabel::WrappedLabel(int maxLines, int pixelSize, Style::Colour role, QFont::Weight weight)
-    : maxLines(maxLines), role(role) {
+WrappedLabel::WrappedLabel(int maxLines, int pixelSize, Style::Colour role, QFont::Weight weight,
+                           Qt::TextElideMode elide)
+    : maxLines(maxLines), role(role), elide(elide) {
     setTextFormat(Qt::PlainText);
     setFont(Style::font(pixelSize, weight));
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
@@ -65,7 +66,7 @@ QStringList WrappedLabel::linesWithin(int width) const {
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
         if (lines.size() + 1 == maxLines) {
-            lines << fontMetrics().elidedText(whole.mid(line.textStart()), Qt::ElideRight, width);
+            lines << fontMetrics().elidedText(whole.mid(line.textStart()), elide, width);
             break;
         }
         lines << whole.mid(line.textStart(), line.textLength());

@@ -7,12 +7,13 @@
 
 namespace quorvel {
 
-/// Plain text on as many lines as it needs, up to a limit; what does not fit ends in "…" and is
-/// shown whole by the tool tip. It never widens its window. Always at least one line high.
+/// Plain text on as many lines as it needs, up to a limit; of what does not fit "…" stands for the
+/// end, or for the middle of the last line, and the tool tip shows the whole. It never widens its
+/// window. Always at least one line high.
 class WrappedLabel final : public QLabel {
 public:
     WrappedLabel(int maxLines, int pixelSize, Style::Colour role,
-                 QFont::Weight weight = QFont::Normal);
+                 QFont::Weight weight = QFont::Normal, Qt::TextElideMode elide = Qt::ElideRight);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -28,6 +29,7 @@ private:
 
     int maxLines;
     Style::Colour role;
+    Qt::TextElideMode elide;
 };
 
 }  // namespace quorvel

@@ -1,5 +1,7 @@
 #include "tests/views/SettingsWindowFixture.hpp"
 
+#include "main/interface/DisplayCardView.hpp"
+
 namespace quorvel {
 namespace {
 
@@ -292,6 +294,48 @@ TEST_F(SettingsWindowTest, WhatCannotBeSavedIsSaidAndNothingIsLost) {
     remove("Notes");
     EXPECT_FALSE(shows("The settings could not be saved"));
     EXPECT_TRUE(settings.appBindings().empty());
+}
+
+TEST_F(SettingsWindowTest, RoomToSpareIsBelowTheColumnAndNotBetweenItsSections) {
+    sim.screens.arrange({SimulatedScreens::screen(1, {0, 0, 1920, 1080}),
+                         SimulatedScreens::screen(2, {1920, 0, 1920, 1080})});
+    shown().resize(680, 1600);
+    turn();
+    std::vector<QWidget*> cards;
+    for (QWidget* each : window().findChildren<QWidget*>()) {
+        if (dynamic_cast<DisplayCardView*>(each) != nullptr) cards.push_back(each);
+    }
+    ASSERT_EQ(cards.size(), 2u);
+    std::sort(cards.begin(), cards.end(),
+              [](const QWidget* a, const QWidget* b) { return a->y() < b->y(); });
+    EXPECT_EQ(cards[0]->height(), cards[0]->sizeHint().height());
+    EXPECT_EQ(cards[1]->y(), cards[0]->geometry().bottom() + 1 + 20);
+}
+
+TEST_F(SettingsWindowTest, ButtonsOfOneNameAreOfOneSize) {
+    settings.setAppBindings({{notes, "none", "false"}});
+    settings.setPlacements({{notes, displayId(), "topLeft", "none"}});
+    shown();
+    QPushButton* const inRoster = withName<QPushButton>("Edit Notes");
+    QPushButton* const onCard = withName<QPushButton>("Edit Notes — Top left hot corner");
+    ASSERT_TRUE(inRoster != nullptr && onCard != nullptr);
+    EXPECT_EQ(inRoster->size(), onCard->size());
+}
+
+TEST_F(SettingsWindowTest, DrawingsFollowTheColoursOfTheDesktop) {
+    const QPalette before = QApplication::palette();
+    shown();
+    const auto plus = [&] {
+        return withName<QToolButton>("Add an app")->icon().pixmap(16, 16).toImage();
+    };
+    const QImage dark = plus();
+    QPalette inverted = before;
+    inverted.setColor(QPalette::Window, Qt::black);
+    inverted.setColor(QPalette::WindowText, Qt::white);
+    QApplication::setPalette(inverted);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return plus() != dark; }, 2000));
+    QApplication::setPalette(before);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return plus() == dark; }, 2000));
 }
 
 TEST_F(SettingsWindowTest, TwoHundredProgramsAreRebuiltWithoutDelay) {
