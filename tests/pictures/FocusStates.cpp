@@ -42,7 +42,7 @@ QWidget& theOnly(Scene& scene) {
 
 std::vector<State> focusStates() {
     return {
-        inWindow("radio", button("Select Terminal for removal")),
+        inWindow("radio", button("Select Mail for removal")),
         inWindow("edit", button("Edit Mail")),
         inWindow("add", button("Add an app")),
         inWindow("remove", button("Remove the selected app")),
