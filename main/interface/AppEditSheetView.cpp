@@ -41,6 +41,7 @@ Layout* row(int spacing) {
 
 void AppEditSheet::loadView() {
     setWindowTitle(title());
+    setWindowFlags(Style::sheetFlags());
     setWindowModality(Qt::WindowModal);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setFont(Style::font(13));

@@ -80,6 +80,7 @@ ApplicationChooser::ApplicationChooser(QWidget& parent, const ApplicationCatalog
       addButton(new QPushButton(QStringLiteral("Add"))),
       onChosen(std::move(onChosen)) {
     setWindowTitle(QStringLiteral("Quorvel"));
+    setWindowFlags(Style::sheetFlags());
     setWindowModality(Qt::WindowModal);
     setAttribute(Qt::WA_DeleteOnClose);
     resize(420, 480);

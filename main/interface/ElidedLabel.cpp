@@ -7,7 +7,6 @@
 #include "main/interface/PlainToolTip.hpp"
 
 namespace quorvel {
-namespace {
 
 QString onOneLine(QString text) {
     for (QChar& character : text) {
@@ -19,7 +18,9 @@ QString onOneLine(QString text) {
     return text;
 }
 
-}  // namespace
+QString isolated(const QString& text) {
+    return QChar(0x2068) + text + QChar(0x2069);
+}
 
 ElidedLabel::ElidedLabel(const QString& head, QString tail, int pixelSize, Style::Colour role,
                          QFont::Weight weight)
@@ -83,9 +84,8 @@ int ElidedLabel::widthOf(const QString& text) const {
 
 QString ElidedLabel::line(const QString& shownHead) const {
     if (tail.isEmpty() && !head.isRightToLeft()) return shownHead;
-    // Isolated: a name reads by its own direction, and one that runs from right to left must not
-    // carry the tail along.
-    return QChar(0x2068) + shownHead + QChar(0x2069) + tail;
+    // Or a name that runs from right to left would carry the tail along.
+    return isolated(shownHead) + tail;
 }
 
 }  // namespace quorvel

@@ -7,6 +7,11 @@
 
 namespace quorvel {
 
+/// With blanks for all that would break the line.
+QString onOneLine(QString text);
+/// Reads by its own direction, and does not change that of what stands beside it.
+QString isolated(const QString& text);
+
 /// One line of plain text, "head" and "tail". Where it does not fit, the head is cut short, then
 /// the tail, and the whole text is the tool tip; it never asks for the room of all of it.
 class ElidedLabel final : public QLabel {

@@ -16,7 +16,7 @@
 #include "main/interface/AppNames.hpp"
 #include "main/interface/ApplicationChooser.hpp"
 #include "main/interface/DisplayCardView.hpp"
-#include "main/interface/ElidedLabel.hpp"
+#include "main/interface/RosterLabel.hpp"
 #include "main/interface/ScreenDiagramView.hpp"
 #include "main/interface/Style.hpp"
 #include "main/interface/Symbols.hpp"
@@ -204,6 +204,9 @@ void SettingsWindowController::rebuildSections() {
     }
     const auto focused = focusPlace();
     const int scrolledBy = scroll->verticalScrollBar()->value();
+    // All is laid out once, and nothing of it is painted before.
+    QWidget* const column = scroll->widget();
+    column->hide();
     const auto before = std::exchange(sections, {});
     rosterSelectionButtons.clear();
 
@@ -216,10 +219,10 @@ void SettingsWindowController::rebuildSections() {
     // One of them may be what was clicked on just now.
     for (QWidget* const section : before) {
         if (section == status || section == statusDivider) continue;
-        sectionStack->removeWidget(section);
         section->hide();
         section->deleteLater();
     }
+    column->show();
     // Without this they stay when it was no event of the toolkit that has led here.
     desktop.runLoop.async([] {
         if (QThread::currentThread()->loopLevel() > 0) return;
@@ -232,8 +235,6 @@ void SettingsWindowController::rebuildSections() {
 
 void SettingsWindowController::addSection(QWidget* section) {
     sectionStack->insertWidget(sectionStack->count() - 1, section);
-    // The layout would show it later, and the column be scrolled to its top until then.
-    section->show();
     sections.push_back(section);
 }
 
@@ -316,15 +317,10 @@ QLayout* SettingsWindowController::rosterRow(const AppBinding& app, std::size_t 
     rosterSelectionButtons.push_back(select);
     row->addWidget(select);
 
-    row->addWidget(iconLabel(icons.iconFor(app.appPath), 18));
-    row->addWidget(new ElidedLabel(name, {}, 13));
-
     const auto spec = HotKeySpec::parse(app.hotKey);
-    row->addWidget(Style::label(spec ? text(spec->display()) : QStringLiteral("None"), 11,
-                                Style::Colour::secondaryLabel));
-    if (!desktop.files.exists(app.appPath)) {
-        row->addWidget(Style::label(QStringLiteral("Not installed"), 10, Style::Colour::red));
-    }
+    row->addWidget(new RosterLabel({icons.iconFor(app.appPath), name,
+                                    spec ? text(spec->display()) : QStringLiteral("None"),
+                                    desktop.files.exists(app.appPath)}));
     row->addStretch();
 
     QPushButton* const edit = Style::smallButton(QStringLiteral("Edit"));

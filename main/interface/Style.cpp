@@ -152,6 +152,11 @@ QPushButton* smallButton(const QString& title) {
     return button;
 }
 
+Qt::WindowFlags sheetFlags() {
+    return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowCloseButtonHint;
+}
+
 QWidget* separator() {
     auto* const line = new Line;
     line->setFixedHeight(1);

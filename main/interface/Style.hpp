@@ -42,6 +42,9 @@ QLabel* caption(const QString& text, int maxWidth = 400);
 /// A push button of the small size, no wider than its title needs.
 QPushButton* smallButton(const QString& title);
 
+/// Of a dialog that can only be closed: neither minimised nor maximised.
+Qt::WindowFlags sheetFlags();
+
 /// A horizontal line.
 QWidget* separator();
 

@@ -67,7 +67,7 @@ void notInstalled(Scene& scene) {
     scene.bind("/opt/gone/Old Editor.desktop", "control,option,O");
     scene.place("/opt/gone/Old Editor.desktop", desk.display, "topLeft", "none");
     scene.open();
-    scene.expect("Not installed");
+    scene.expect("Old Editor, ⌃⌥O, Not installed");
 }
 
 void shortStatus(Scene& scene) {

@@ -118,7 +118,7 @@ TEST_F(ProgramSettingsTroubleTest, AProgramUninstalledWhileItsSheetIsOpenKeepsIt
     program.keepPicture("settings-uninstalled-sheet");
     program.click("Done");
     EXPECT_TRUE(program.waitUntilGone(sheet));
-    program.waitFor("Not installed");
+    program.waitFor(fs::path(path).stem().string() + ", ⌃⌥N, Not installed");
     program.keepPicture("settings-uninstalled");
     EXPECT_EQ(hotKeyOf(path), shortcut);
 }
