@@ -47,6 +47,10 @@ public:
     /// `hide` took of the others.
     virtual void unhide(const RunningApplication& application) = 0;
 
+    /// Shows the windows that an earlier run of this program hid and never showed again, because it
+    /// was killed. The keyboard stays where it is. Gives how many they were.
+    virtual int showLost() = 0;
+
     /// Unhides it and gives its most recently active window the keyboard.
     virtual void activate(const RunningApplication& application) = 0;
 

@@ -69,6 +69,11 @@ public:
     /// From here on the window may stand off the screen. `originalFrameAX` is where it belongs.
     virtual void hold(AXWindow window, const Rect& originalFrameAX) = 0;
 
+    /// What an earlier run of this program held and never let go of, because it was killed: puts it
+    /// back where it belongs, unless somebody has brought it onto the displays since. Gives how
+    /// many windows were away.
+    virtual int putBackLost() = 0;
+
     /// Ends `hold`. After `putBack` the next final step is the one that brings it home.
     virtual void letGo(AXWindow window, EndOfHold how) = 0;
 };

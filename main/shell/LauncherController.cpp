@@ -47,6 +47,7 @@ void LauncherController::applicationDidFinishLaunching() {
         application.exit(EXIT_FAILURE);
         return;
     }
+    putBackLostWindows();
     reloadFromSettings();
     edgeRevealWatcher.start();
     observeDesktop();
@@ -63,6 +64,13 @@ void LauncherController::applicationDidFinishLaunching() {
         desktop.log.line("Quorvel: no apps bound; opening Settings");
         openSettings();
     }
+}
+
+/// Before anything of this run can move or hide a window.
+void LauncherController::putBackLostWindows() {
+    const int count = desktop.windows.putBackLost() + desktop.applications.showLost();
+    if (count == 0) return;
+    desktop.log.line(formatted("Quorvel: put back %d window(s) that an earlier run left", count));
 }
 
 bool LauncherController::createStatusItem() {

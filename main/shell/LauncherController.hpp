@@ -88,6 +88,7 @@ public:
     void applyAllHotZones(int dwellMs);
 
 private:
+    void putBackLostWindows();
     bool createStatusItem();
     void statusItemClicked(const StatusItemEvent& event);
     Menu statusMenu();

@@ -12,11 +12,15 @@ struct GivenUpStates {
     struct Normal {
         Rect seen;
         Size clientSize;
+
+        bool operator==(const Normal&) const = default;
     };
 
     FillingStates states;
     Rect filledSeen;               ///< where it was seen in them
     std::optional<Normal> normal;  ///< where it was put without them; once it has left them
+
+    bool operator==(const GivenUpStates&) const = default;
 };
 
 /// Takes windows out of the maximised and fullscreen states, which hold them in place, and puts

@@ -21,6 +21,7 @@ FrameOverrideHider::FrameOverrideHider(XConnection& x, WindowManagerInfo& manage
                                        FrameReader& frames)
     : x(x),
       frames(frames),
+      notes(x),
       events(x.onEvent([this](const xcb_generic_event_t& event) { handle(event); })),
       managerEvents(manager.onChange([this] { abandon(); })) {}
 
@@ -39,6 +40,7 @@ bool FrameOverrideHider::hide(xcb_window_t window) {
     place.isOverrideRedirect = reading->frameIsOverrideRedirect;
     place.home = reading->frameArea.origin();
     place.exile = exileFor(reading->frameArea.width, place.home.y);
+    notes.write(window, place.home);
     if (overrideFrame(x, place.frame, place.isOverrideRedirect, place.exile) != 0) return false;
     const auto moved = frames.read(window);
     if (!moved || moved->frameArea.origin() != place.exile) return false;
@@ -52,6 +54,13 @@ void FrameOverrideHider::show(xcb_window_t window) {
     const Place place = found->second;
     places.erase(found);
     overrideFrame(x, place.frame, place.isOverrideRedirect, place.home);
+    notes.erase(window);
+}
+
+bool FrameOverrideHider::bringBack(xcb_window_t window, Point frameHome) {
+    const auto reading = frames.read(window);
+    if (!reading || reading->frameArea.maxX() > 0) return false;
+    return overrideFrame(x, reading->frame, reading->frameIsOverrideRedirect, frameHome) == 0;
 }
 
 std::vector<xcb_window_t> FrameOverrideHider::hidden() const {
@@ -82,9 +91,11 @@ void FrameOverrideHider::frameMoved(const xcb_configure_notify_event_t& change) 
         if (now == place.exile) return;
         place.home = now;
         if (++place.returns > mostReturns) {
+            notes.erase(window);
             places.erase(window);
             return;
         }
+        notes.write(window, place.home);
         place.exile = exileFor(change.width + 2.0 * change.border_width, now.y);
         overrideFrame(x, place.frame, place.isOverrideRedirect, place.exile);
         return;
@@ -99,6 +110,7 @@ void FrameOverrideHider::abandon() {
         if (reading && reading->frameArea.maxX() <= 0) {
             overrideFrame(x, reading->frame, reading->frameIsOverrideRedirect, place.home);
         }
+        notes.erase(window);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "platform/Geometry.hpp"
 #include "platform/linux/FrameReader.hpp"
+#include "platform/linux/HiddenNotes.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/XConnection.hpp"
 
@@ -21,6 +22,8 @@ public:
     virtual bool hide(xcb_window_t window) = 0;
     /// Back to where it belongs. Without effect on one that is not hidden here.
     virtual void show(xcb_window_t window) = 0;
+    /// The same for one that an earlier run hid; false when it is not off the screen.
+    virtual bool bringBack(xcb_window_t window, Point frameHome) = 0;
     virtual bool isHidden(xcb_window_t window) const = 0;
     virtual std::vector<xcb_window_t> hidden() const = 0;
 };
@@ -34,6 +37,7 @@ public:
 
     bool hide(xcb_window_t window) override;
     void show(xcb_window_t window) override;
+    bool bringBack(xcb_window_t window, Point frameHome) override;
     bool isHidden(xcb_window_t window) const override { return places.contains(window); }
     std::vector<xcb_window_t> hidden() const override;
 
@@ -52,6 +56,7 @@ private:
 
     XConnection& x;
     FrameReader& frames;
+    HiddenNotes notes;
     std::unordered_map<xcb_window_t, Place> places;
     Subscription events;
     Subscription managerEvents;

@@ -36,9 +36,14 @@ WindowHider::WindowHider(XConnection& x, WindowManagerInfo& manager, ClientWindo
       manager(manager),
       clients(clients),
       offscreen(offscreen),
+      notes(x),
       windowEvents(clients.onWindowChange(
           [this](xcb_window_t window, ClientWindows::Change) { windowChanged(window); })),
       activeEvents(clients.onActiveChange([this] { activeChanged(); })) {}
+
+WindowHider::~WindowHider() {
+    for (const xcb_window_t window : iconified) notes.erase(window);
+}
 
 bool WindowHider::isHidden(xcb_window_t window) {
     if (offscreen.isHidden(window)) return true;
@@ -52,11 +57,16 @@ void WindowHider::hide(const std::vector<xcb_window_t>& windows) {
     std::erase_if(inSight, [this](xcb_window_t window) { return isHidden(window); });
     if (inSight.empty()) return;
     onlyShown.clear();
+    for (const xcb_window_t window : inSight) notes.write(window);
     std::vector<xcb_window_t> left = iconify(inSight);
     for (const xcb_window_t window : inSight) {
         if (!contains(left, window)) iconified.insert(window);
     }
-    std::erase_if(left, [this](xcb_window_t window) { return !offscreen.hide(window); });
+    std::erase_if(left, [this](xcb_window_t window) {
+        const bool isHidden = offscreen.hide(window);
+        if (!isHidden) notes.erase(window);
+        return !isHidden;
+    });
     if (!left.empty()) giveKeyboardToAnother(left);
 }
 
@@ -86,9 +96,29 @@ void WindowHider::showAndActivate(const std::vector<xcb_window_t>& others, xcb_w
     onlyShown.clear();
     restore(others);
     offscreen.show(main);
-    iconified.erase(main);
+    forget(main);
     activeOffscreen = XCB_WINDOW_NONE;
     clients.activate(main);
+}
+
+int WindowHider::showLost() {
+    std::vector<xcb_window_t> iconic;
+    int count = 0;
+    for (const auto& [window, frameHome] : notes.all()) {
+        const ClientWindow* client = clients.find(window);
+        if (client != nullptr && client->isIconic) {
+            iconic.push_back(window);
+        } else if (frameHome && offscreen.bringBack(window, *frameHome)) {
+            ++count;
+        }
+        notes.erase(window);
+    }
+    show(iconic);
+    return count + static_cast<int>(iconic.size());
+}
+
+void WindowHider::forget(xcb_window_t window) {
+    if (iconified.erase(window) > 0) notes.erase(window);
 }
 
 WindowHider::Habits& WindowHider::habits() {
@@ -124,7 +154,7 @@ std::vector<xcb_window_t> WindowHider::restore(const std::vector<xcb_window_t>& 
     std::vector<xcb_window_t> iconic;
     for (const xcb_window_t window : windows) {
         offscreen.show(window);
-        iconified.erase(window);
+        forget(window);
         const ClientWindow* client = clients.find(window);
         if (client != nullptr && client->isIconic) iconic.push_back(window);
     }
@@ -219,7 +249,7 @@ void WindowHider::windowChanged(xcb_window_t window) {
     const ClientWindow* client = clients.find(window);
     if (client == nullptr) return;
     if (!client->isIconic) {
-        iconified.erase(window);
+        forget(window);
         return;
     }
     Habits& habits = this->habits();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/linux/ClientWindows.hpp"
+#include "platform/linux/HiddenNotes.hpp"
 #include "platform/linux/OffscreenHider.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/XConnection.hpp"
@@ -21,6 +22,8 @@ class WindowHider {
 public:
     WindowHider(XConnection& x, WindowManagerInfo& manager, ClientWindows& clients,
                 OffscreenHider& offscreen);
+    /// What is iconic stays so, and is no longer ours.
+    ~WindowHider();
 
     /// Iconic, or off the screen by our doing. A window that is gone counts as hidden.
     bool isHidden(xcb_window_t window);
@@ -31,6 +34,9 @@ public:
     /// Of these, in their order: those that `hide` hid and nobody has shown since, or, where there
     /// are none and not one is in sight, all.
     std::vector<xcb_window_t> toBeShown(const std::vector<xcb_window_t>& windows);
+
+    /// Those that an earlier run hid and never showed again; how many. As `show`.
+    int showLost();
 
     /// In this order. Whatever was active stays active, or becomes so again.
     void show(const std::vector<xcb_window_t>& windows);
@@ -59,6 +65,7 @@ private:
     bool areTogether(xcb_window_t a, xcb_window_t b);
     void giveBackKeyboard();
     void windowChanged(xcb_window_t window);
+    void forget(xcb_window_t window);
     void activeChanged();
     void offscreenActivated(xcb_window_t window, xcb_window_t before);
 
@@ -66,6 +73,7 @@ private:
     WindowManagerInfo& manager;
     ClientWindows& clients;
     OffscreenHider& offscreen;
+    HiddenNotes notes;
     Habits current;
     std::unordered_set<xcb_window_t> iconified;  ///< by `hide`, and not restored since
 

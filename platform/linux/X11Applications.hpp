@@ -46,6 +46,7 @@ public:
     bool isHidden(const RunningApplication& application) const override;
     void hide(const RunningApplication& application) override;
     void unhide(const RunningApplication& application) override;
+    int showLost() override { return hider.showLost(); }
     void activate(const RunningApplication& application) override;
     void open(const std::string& path, OpenCompletion completion) override;
     [[nodiscard]] Subscription onActivated(

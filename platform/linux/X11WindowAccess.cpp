@@ -35,7 +35,8 @@ X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
       heldFrames(x, frames),
       ladder(x, frames, manager),
       states(x, frames, ladder),
-      raiser(x, frames, manager) {}
+      raiser(x, frames, manager),
+      notes(x, "_QUORVEL_HELD", HoldNote::length) {}
 
 FocusedWindowReading X11WindowAccess::focusedWindow(std::int32_t processIdentifier,
                                                     const std::string& bundlePath) {
@@ -79,7 +80,9 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
     const auto question = manager.ask();
     auto now = read(window);
     manager.update(question);
+    const auto given = hold ? hold->given : std::nullopt;
     if (now && (hold || step == MoveStep::final)) now = freed(*now, hold, deadline);
+    if (now && hold && hold->given != given) note(*hold);
     if (!now) {
         if (comesHome) sendHomeWithdrawn(window, originAX);
         endHold(window);
@@ -160,13 +163,62 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     hold.attemptsLeft = 2;
     // Here already, so that the first frame of the slide is not late.
     manager.update(manager.ask());
-    const auto now = read(window);
-    if (now) freed(*now, &hold, deadline);
-    if (now) {
+    if (const auto now = read(window)) {
         hold.client = now->client;
+        if (now->states.any() && !hold.given) {
+            // In case that is as far as we get.
+            Hold foreseen = hold;
+            foreseen.given = GivenUpStates{now->states, now->seen, std::nullopt};
+            note(foreseen);
+        }
+        freed(*now, &hold, deadline);
+        note(hold);
         heldFrames.add(now->client);
     }
     newHolds.notify();
+}
+
+void X11WindowAccess::note(const Hold& hold) {
+    const Point origin = axOriginInRoot(displaysInRoot());
+    Rect home = hold.originalFrameAX;
+    home.x += origin.x;
+    home.y += origin.y;
+    notes.write(hold.client, HoldNote{home, hold.given}.content());
+}
+
+int X11WindowAccess::putBackLost() {
+    int count = 0;
+    for (const auto& [client, content] : notes.all()) {
+        manager.update(manager.ask());
+        if (bringBack(client, HoldNote(content))) ++count;
+        notes.erase(client);
+    }
+    x.flush();
+    return count;
+}
+
+bool X11WindowAccess::bringBack(xcb_window_t client, const HoldNote& note) {
+    const auto deadline = Clock::now() + callLimit;
+    const auto now = frames.read(client);
+    if (!now) {
+        // Where it will be when somebody shows it again.
+        sendConfigure(x, client, note.home.origin());
+        return false;
+    }
+    const std::vector<Rect> displays = displaysInRoot();
+    const bool isAway = !isWhollyOnDisplays(now->seen, displays);
+    if (isAway) {
+        const Rect wanted{note.home.x, note.home.y, now->seen.width, now->seen.height};
+        ladder.place(*now, originOnNearestDisplay(wanted, displays), displays, deadline);
+    } else if (now->seen != note.home) {
+        return false;
+    }
+    if (note.given && !now->states.any()) {
+        if (const auto arrived = frames.read(client)) {
+            states.restore(*arrived, *note.given, deadline);
+        }
+    }
+    return isAway;
 }
 
 void X11WindowAccess::endHold(AXWindow window) {
@@ -177,7 +229,9 @@ void X11WindowAccess::endHold(AXWindow window) {
     const bool isHeldAnew = std::any_of(holds.begin(), holds.end(), [&](const auto& other) {
         return other.second.client == client;
     });
-    if (!isHeldAnew) heldFrames.remove(client);
+    if (isHeldAnew) return;
+    heldFrames.remove(client);
+    notes.erase(client);
 }
 
 void X11WindowAccess::sendHomeWithdrawn(AXWindow window, Point originAX) {

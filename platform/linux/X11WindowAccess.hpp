@@ -11,9 +11,11 @@
 #include "platform/linux/FocusedWindowSource.hpp"
 #include "platform/linux/FrameReader.hpp"
 #include "platform/linux/HeldFrames.hpp"
+#include "platform/linux/HoldNote.hpp"
 #include "platform/linux/MoveLadder.hpp"
 #include "platform/linux/WindowElements.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
+#include "platform/linux/WindowNotes.hpp"
 #include "platform/linux/WindowRaiser.hpp"
 #include "platform/linux/XConnection.hpp"
 
@@ -35,6 +37,7 @@ public:
     void raise(AXWindow window) override;
     void hold(AXWindow window, const Rect& originalFrameAX) override;
     void letGo(AXWindow window, EndOfHold how) override;
+    int putBackLost() override;
 
     // Observation: from `take` to `endObservation`, held windows are read from what was found for
     // all of them in one round trip. A window that is moved meanwhile is read afresh.
@@ -54,7 +57,7 @@ private:
 
     struct Hold {
         xcb_window_t client = XCB_WINDOW_NONE;
-        Rect originalFrameAX;  ///< what a note on the window itself would say
+        Rect originalFrameAX;
         std::optional<GivenUpStates> given;
         bool keepsStates = false;  ///< it is moved past the window manager with its states
         int attemptsLeft = 0;      ///< to give it the size in which it was seen
@@ -62,6 +65,9 @@ private:
     };
 
     std::optional<WindowReading> read(AXWindow window);
+    /// Says on the window itself what it takes to bring it back.
+    void note(const Hold& hold);
+    bool bringBack(xcb_window_t client, const HoldNote& note);
     void endHold(AXWindow window);
     /// Where it will be when somebody shows it again.
     void sendHomeWithdrawn(AXWindow window, Point originAX);
@@ -81,6 +87,7 @@ private:
     MoveLadder ladder;
     FillingStateKeeper states;
     WindowRaiser raiser;
+    WindowNotes notes;
     Point lastAxOrigin;
     std::unordered_map<AXWindow, Hold> holds;
     Subscribers<> newHolds;

@@ -104,8 +104,9 @@ XConnection::XConnection(xcb_connection_t* connection, int screenNumber) : conne
 }
 
 XConnection::~XConnection() {
-    // Disconnecting throws away what has not been sent yet.
-    xcb_flush(connection);
+    // Disconnecting throws away what has not been sent yet, and, where we have not read all that
+    // the server has told us, also what it has not read yet.
+    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     xcb_disconnect(connection);
 }
 

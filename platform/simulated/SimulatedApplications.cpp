@@ -54,6 +54,7 @@ void SimulatedApplications::hide(const RunningApplication& application) {
         if (window->isIconic) continue;
         server.iconify(window->element);
         iconifiedByHide[window->element] = window->iconifications;
+        server.window(window->element).noteOfHide = true;
     }
 }
 
@@ -66,6 +67,16 @@ void SimulatedApplications::unhide(const RunningApplication& application) {
     });
     if (toBeShown.empty() && isHidden(application)) toBeShown = windowsOf(application);
     for (const SimulatedWindow* window : toBeShown) server.deiconify(window->element);
+}
+
+int SimulatedApplications::showLost() {
+    int count = 0;
+    for (SimulatedWindow* window : server.all()) {
+        if (!window->noteOfHide) continue;
+        if (window->isIconic) ++count;
+        server.deiconify(window->element);
+    }
+    return count;
 }
 
 void SimulatedApplications::activate(const RunningApplication& application) {

@@ -49,6 +49,10 @@ public:
     bool isHidden(const RunningApplication& application) const override;
     void hide(const RunningApplication& application) override;
     void unhide(const RunningApplication& application) override;
+    int showLost() override;
+
+    /// The program is gone, and with it what it knew; the windows are as they are.
+    void crash() { iconifiedByHide.clear(); }
     void activate(const RunningApplication& application) override;
     void open(const std::string& path, OpenCompletion completion) override;
     [[nodiscard]] Subscription onActivated(

@@ -60,6 +60,14 @@ public:
     /// Installs it if it is not, opens a window of it and makes that the active one.
     AXWindow start(const std::string& path, const Rect& frameAX = {100, 100, 800, 600});
 
+    /// As if the program had been killed: what it knew of windows is gone, its notes on them are
+    /// not.
+    void crash() {
+        windows.crash();
+        applications.crash();
+        hotKeys.crash();
+    }
+
     /// Absent when the window is gone.
     std::optional<Rect> frameAX(AXWindow window) const;
 };

@@ -32,6 +32,12 @@ public:
     /// Another program has grabbed the whole keyboard: no press arrives.
     bool keyboardIsGrabbed = false;
 
+    /// The program is gone, and with it its keys.
+    void crash() {
+        keys.clear();
+        handler = nullptr;
+    }
+
     // Faults -----------------------------------------------------------------------------------
 
     std::int32_t installStatus = 0;

@@ -51,6 +51,11 @@ struct SimulatedWindow {
     std::uint64_t lastActive = 0;  ///< greater is later; 0 when it never was
     std::uint64_t stacking = 0;    ///< greater is further in front
 
+    // What the program has noted on the window itself, which outlives the program.
+    std::optional<Rect> noteOfHold;  ///< where it belongs
+    bool noteOfMaximized = false;
+    bool noteOfHide = false;
+
     WindowFaults faults;
 
     AXWindow handle() const { return {element}; }

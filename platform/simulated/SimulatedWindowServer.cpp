@@ -53,7 +53,7 @@ void SimulatedWindowServer::quit(const std::string& bundlePath) {
 void SimulatedWindowServer::activate(WindowElement window) {
     SimulatedWindow* found = find(window);
     if (!found) return;
-    found->isIconic = false;
+    deiconify(window);
     found->stacking = moment++;
     // A modal dialog takes the keyboard from the window that it belongs to.
     for (SimulatedWindow& other : windows) {
@@ -79,7 +79,10 @@ void SimulatedWindowServer::iconify(WindowElement window) {
 }
 
 void SimulatedWindowServer::deiconify(WindowElement window) {
-    if (SimulatedWindow* found = find(window)) found->isIconic = false;
+    SimulatedWindow* const found = find(window);
+    if (!found) return;
+    found->isIconic = false;
+    found->noteOfHide = false;
 }
 
 void SimulatedWindowServer::drag(WindowElement window, Point originAX) {

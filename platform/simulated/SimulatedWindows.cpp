@@ -99,6 +99,10 @@ void SimulatedWindows::hold(AXWindow window, const Rect& originalFrameAX) {
         found->isMaximized = false;
         hold.wasMaximized = true;
     }
+    if (found) {
+        found->noteOfHold = originalFrameAX;
+        found->noteOfMaximized = hold.wasMaximized;
+    }
     holds.insert_or_assign(window, hold);
     newHolds.notify();
 }
@@ -111,7 +115,35 @@ void SimulatedWindows::letGo(AXWindow window, EndOfHold how) {
         at->second.comesHome = true;
     } else {
         holds.erase(at);
+        if (SimulatedWindow* found = server.find(window.element)) eraseNote(*found);
     }
+}
+
+int SimulatedWindows::putBackLost() {
+    int count = 0;
+    for (SimulatedWindow* window : server.all()) {
+        if (!window->noteOfHold) continue;
+        const std::vector<Rect> displays = screenFramesAX();
+        const bool isInSight =
+            std::any_of(displays.begin(), displays.end(), [&](const Rect& display) {
+                return within(display, window->frameAX.origin(), window->frameAX.size()) ==
+                       window->frameAX.origin();
+            });
+        if (!isInSight) {
+            window->frameAX.x = window->noteOfHold->x;
+            window->frameAX.y = window->noteOfHold->y;
+            window->isMaximized = window->noteOfMaximized;
+            bringOntoDisplays(*window);
+            ++count;
+        }
+        eraseNote(*window);
+    }
+    return count;
+}
+
+void SimulatedWindows::eraseNote(SimulatedWindow& window) {
+    window.noteOfHold.reset();
+    window.noteOfMaximized = false;
 }
 
 /// The window, if it is there and answers in time. What that takes passes here.
@@ -145,6 +177,11 @@ void SimulatedWindows::arriveHome(SimulatedWindow& window) {
     if (at == holds.end() || !at->second.comesHome) return;
     window.isMaximized = at->second.wasMaximized;
     holds.erase(at);
+    eraseNote(window);
+    bringOntoDisplays(window);
+}
+
+void SimulatedWindows::bringOntoDisplays(SimulatedWindow& window) const {
     std::optional<Point> nearest;
     double shortest = std::numeric_limits<double>::infinity();
     for (const Rect& screenAX : screenFramesAX()) {

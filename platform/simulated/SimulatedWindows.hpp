@@ -62,6 +62,10 @@ public:
     void raise(AXWindow window) override;
     void hold(AXWindow window, const Rect& originalFrameAX) override;
     void letGo(AXWindow window, EndOfHold how) override;
+    int putBackLost() override;
+
+    /// The program is gone, and with it what it knew; the windows are where they are.
+    void crash() { holds.clear(); }
 
 private:
     struct Hold {
@@ -73,6 +77,8 @@ private:
     SimulatedWindow* reach(AXWindow window);
     Point allowedOrigin(const SimulatedWindow& window, Point asked) const;
     void arriveHome(SimulatedWindow& window);
+    void bringOntoDisplays(SimulatedWindow& window) const;
+    static void eraseNote(SimulatedWindow& window);
     std::vector<Rect> screenFramesAX() const;
 
     SimulatedWindowServer& server;

@@ -97,6 +97,7 @@ public:
     std::int32_t setOrigin(AXWindow window, Point originAX, MoveStep step) override;
     void raise(AXWindow window) override;
     void hold(AXWindow window, const Rect& originalFrameAX) override;
+    int putBackLost() override { return sim.windows.putBackLost(); }
     void letGo(AXWindow window, EndOfHold how) override;
 
 private:
