@@ -439,7 +439,7 @@ void SettingsWindowController::addBinding(std::function<void(const std::string&)
             appendBinding(appPath);
             if (then) then(appPath);
         });
-    chooser->open();
+    present(*chooser);
 }
 
 void SettingsWindowController::appendBinding(const std::string& appPath) {
@@ -497,7 +497,13 @@ void SettingsWindowController::presentSheet(const std::string& appPath,
         },
         window.get());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
-    sheet->open();
+    present(*sheet);
+}
+
+/// A second click on what opens it may reach the window before the sheet is there.
+void SettingsWindowController::present(QDialog& sheet) const {
+    sheet.open();
+    front.bring(sheet);
 }
 
 // The displays ------------------------------------------------------------------------------------
@@ -535,8 +541,27 @@ void SettingsWindowController::assignMenuItemChosen(const std::string& appPath) 
 
 void SettingsWindowController::displaysChanged() {
     desktop.runLoop.async([this, alive = life.watch()] {
-        if (!alive.expired() && window && window->isVisible()) rebuildSections();
+        if (alive.expired() || !window || !window->isVisible()) return;
+        keepOnScreen();
+        rebuildSections();
     });
+}
+
+/// The display that it stood on may have gone or shrunk.
+void SettingsWindowController::keepOnScreen() {
+    const QRect frame = window->frameGeometry();
+    const auto screens = QGuiApplication::screens();
+    const bool isWhole = std::any_of(screens.begin(), screens.end(), [&](const QScreen* each) {
+        return each->availableGeometry().contains(frame);
+    });
+    if (isWhole || screens.isEmpty()) return;
+    const QRect room = window->screen()->availableGeometry();
+    const QSize decoration = frame.size() - window->size();
+    window->resize(window->size().boundedTo(room.size() - decoration));
+    const QSize size = window->size() + decoration;
+    const auto within = [](int at, int low, int high) { return std::max(low, std::min(at, high)); };
+    window->move(within(frame.x(), room.x(), room.x() + room.width() - size.width()),
+                 within(frame.y(), room.y(), room.y() + room.height() - size.height()));
 }
 
 void SettingsWindowController::forgetDisplay(const std::string& displayRef) {

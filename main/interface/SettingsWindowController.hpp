@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -88,6 +89,7 @@ private:
     void appendBinding(const std::string& appPath);
     void presentSheet(const std::string& appPath, const std::string& displayRef,
                       const AppEditSheet::Arrival& arrival);
+    void present(QDialog& sheet) const;
     void presentAssignMenu(const std::string& displayRef, const Slot& slot);
 
     void reportBindingHealth();
@@ -98,6 +100,7 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     void displaysChanged();
+    void keepOnScreen();
 
     Desktop desktop;
     SettingsHost& controller;

@@ -186,6 +186,7 @@ void LauncherController::quitLauncher() {
 }
 
 void LauncherController::reloadFromSettings() {
+    const std::vector<AppBinding> before = activeBindings;
     applyHotZone(settings.hotZoneDwellMs());
     tuckController.animationStyle =
         parseTuckAnimationStyle(settings.tuckAnimation().value_or("slide"))
@@ -196,6 +197,24 @@ void LauncherController::reloadFromSettings() {
         if (alive.expired()) return std::nullopt;
         return placedEdgeRaw(appPath, displayCocoa);
     };
+    for (const AppBinding& binding : before) {
+        const bool isStillThere =
+            std::any_of(activeBindings.begin(), activeBindings.end(),
+                        [&](const AppBinding& now) { return now.appPath == binding.appPath; });
+        if (!isStillThere) letGoOf(binding.appPath);
+    }
+}
+
+/// Nothing would bring its windows back any more.
+void LauncherController::letGoOf(const std::string& appPath) {
+    for (const auto& tucked : tuckController.tuckedWindows()) {
+        if (tucked.appPath == appPath) tuckController.untuck(tucked.window, std::nullopt, false);
+    }
+    for (const RunningApplication& running : desktop.applications.runningApplications()) {
+        if (running.bundlePath != appPath || !desktop.applications.isHidden(running)) continue;
+        desktop.applications.unhide(running);
+        return;
+    }
 }
 
 void LauncherController::applyHotZone(int dwellMs) {

@@ -115,6 +115,29 @@ TEST_F(LauncherLostWindowsTest, AnOrderlyEndLeavesNothingToPutBack) {
     EXPECT_THAT(sim.log.lines, nothingPutBack());
 }
 
+TEST_F(LauncherLostWindowsTest, AnApplicationTakenFromTheListGetsItsWindowsBack) {
+    const AXWindow tucked = tuckedEditor();
+    sim.start(browser);
+    press(browserKeys);
+    ASSERT_TRUE(sim.applications.isHidden({browser, 0}));
+    Settings(sim.defaults).restoreDefaults();
+    controller->reloadFromSettings();
+    waitForSlides();
+    EXPECT_EQ(sim.frameAX(tucked), home);
+    EXPECT_FALSE(sim.applications.isHidden({browser, 0}));
+}
+
+TEST_F(LauncherLostWindowsTest, AReloadLeavesThoseThatStayInTheListWhereTheyAre) {
+    const AXWindow tucked = tuckedEditor();
+    sim.start(browser);
+    press(browserKeys);
+    bind({{editor, "none", "false"}, {browser, "none", "false"}});
+    controller->reloadFromSettings();
+    waitForSlides();
+    EXPECT_EQ(sim.frameAX(tucked)->x, -798);
+    EXPECT_TRUE(sim.applications.isHidden({browser, 0}));
+}
+
 TEST_F(LauncherLostWindowsTest, ItTucksAndComesBackAsEverAfterwards) {
     const AXWindow window = tuckedEditor();
     crashAndLaunch();

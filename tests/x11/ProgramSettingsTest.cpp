@@ -305,6 +305,21 @@ TEST_F(ProgramSettingsTest, WhatWasShownBeforeIsGoneHoweverOftenItIsOpened) {
     EXPECT_TRUE(waitUntil([&] { return panes() == 1; })) << panes();
 }
 
+TEST_F(ProgramSettingsTest, ADoubleClickOnPlusLeavesTheKeyboardWithTheChooser) {
+    const xcb_window_t window = program.openSettings();
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        program.click("Add an app");
+        for (int clicks = 0; clicks < 1 + attempt; ++clicks) input().click();
+        const xcb_window_t chooser = program.waitForDialog(window);
+        EXPECT_TRUE(program.waitForFocus("Search"));
+        program.type("notes");
+        EXPECT_TRUE(program.isGone("XTerm", "list item"));
+        input().tap("ESCAPE");
+        EXPECT_TRUE(program.waitUntilGone(chooser));
+        ASSERT_TRUE(program.waitUntilActive(window));
+    }
+}
+
 TEST_F(ProgramSettingsTest, RestoringTheDefaultsLeavesNothingBound) {
     program.bind({{path, shortcut, "left"}}, "spring");
     program.openSettings();
@@ -413,6 +428,21 @@ TEST_F(ProgramSettingsOnTwoDisplays, AnUnpluggedDisplayIsForgottenOnceThatIsConf
     const auto known = program.stored("KnownDisplays");
     ASSERT_TRUE(known && known->dictionary());
     EXPECT_EQ(known->dictionary()->size(), 1U);
+}
+
+TEST_F(ProgramSettingsOnTwoDisplays, TheWindowComesAlongWhenItsDisplayIsUnplugged) {
+    XServer& server = program.session.server();
+    server.plug("DUMMY1", 1280, 0);
+    program.bind({{path, shortcut}});
+    const xcb_window_t window = program.openSettings();
+    program.waitFor("DUMMY1", "panel");
+    program.probe().requestMove(window, 1700, 100);
+    ASSERT_TRUE(waitUntil([&] { return program.seen(window).x > 1280; }));
+    server.unplug("DUMMY1");
+    EXPECT_TRUE(waitUntil([&] {
+        const Rect seen = program.seen(window);
+        return seen.x >= 0 && seen.maxX() <= 1280 && seen.y >= 0 && seen.maxY() <= 800;
+    })) << testing::PrintToString(program.seen(window));
 }
 
 TEST_F(ProgramSettingsOnTwoDisplays, ADisplayPluggedInWhileTheWindowIsOpenHasItsPictureAtOnce) {
