@@ -35,7 +35,7 @@ build:
 .PHONY: compile
 compile:
 	@cmake --preset release -DQUORVEL_TESTS=OFF >/dev/null
-	@cmake --build $(RELEASE) --target Quorvel quorvel-interface -j $(JOBS)
+	@cmake --build $(RELEASE) --target Quorvel quorvel-interface quorvelctl -j $(JOBS)
 
 # Everything: the logic under sanitizers, the program as built on private X servers.
 test:

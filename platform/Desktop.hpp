@@ -3,12 +3,14 @@
 #include "platform/ApplicationCatalog.hpp"
 #include "platform/Applications.hpp"
 #include "platform/Defaults.hpp"
+#include "platform/Diagnostics.hpp"
 #include "platform/Files.hpp"
 #include "platform/HotKeys.hpp"
 #include "platform/Log.hpp"
 #include "platform/LoginItemService.hpp"
 #include "platform/Pointer.hpp"
 #include "platform/PollTimers.hpp"
+#include "platform/RemoteControl.hpp"
 #include "platform/RunLoop.hpp"
 #include "platform/Screens.hpp"
 #include "platform/StatusBar.hpp"
@@ -34,6 +36,8 @@ struct Desktop {
     Trust& trust;
     LoginItemService& loginItem;
     StatusBar& statusBar;
+    RemoteControl& remoteControl;
+    Diagnostics& diagnostics;
 };
 
 }  // namespace quorvel

@@ -13,6 +13,9 @@ public:
     /// Writes one line; time and process are put in front by the implementation. Line breaks
     /// and other control characters inside the message are escaped, so it stays one line.
     virtual void line(std::string_view message) = 0;
+
+    /// Why something was decided, for whoever asks afterwards; not written.
+    virtual void note(std::string_view) {}
 };
 
 }  // namespace quorvel

@@ -18,15 +18,23 @@ AppOpener::AppOpener(Platform platform, TuckController& tuckController, Alerts& 
 void AppOpener::activateOrTuck(const std::string& appPath, const std::string& edgeHintRaw) {
     const auto frontmost = platform.applications.frontmostApplication();
     if (!frontmost || frontmost->bundlePath != appPath) {
+        const std::string front =
+            frontmost ? platform.catalog.nameOf(frontmost->bundlePath.value_or("another program"))
+                      : "nothing";
+        platform.log.note("It is not in front (" + front + " is): started, or brought forward.");
         openApp(appPath);
         return;
     }
     if (const auto edge = TuckEdge::parse(edgeHintRaw)) {
+        platform.log.note("It is in front, and has the " + std::string(edge->rawValue()) +
+                          " edge: to the edge, or back.");
         tuckController.toggleTuck(appPath, *edge);
     } else if (tuckController.hasTuckedWindow(appPath)) {
         // Its edge was taken away meanwhile: without this the window could not be reached again.
+        platform.log.note("It is in front, and tucked at an edge that it no longer has: back.");
         tuckController.untuckAll(appPath);
     } else {
+        platform.log.note("It is in front, and has no edge: hidden.");
         platform.applications.hide(*frontmost);
     }
 }

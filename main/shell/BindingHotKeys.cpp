@@ -25,6 +25,7 @@ void BindingHotKeys::apply(const std::vector<AppBinding>& bindings) {
         hotKeyEventHandlerInstalled = true;
     }
     for (const HotKeyRef ref : std::exchange(bindingHotKeyRefs, {})) hotKeys.unregisterHotKey(ref);
+    registered.clear();
 
     std::uint32_t id = firstID;
     for (const AppBinding& binding : bindings) registerShortcut(binding, id++);
@@ -43,6 +44,7 @@ void BindingHotKeys::registerShortcut(const AppBinding& binding, std::uint32_t i
         return;
     }
     bindingHotKeyRefs.push_back(*ref);
+    registered.insert(binding.appPath);
     log.line(formatted("Quorvel: global hotkey registered (%@) for %@", spec->canonicalText(),
                        binding.appPath));
 }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "main/settings/AppBinding.hpp"
@@ -32,6 +34,9 @@ public:
     /// is logged and left out; the identifiers of the others do not move.
     void apply(const std::vector<AppBinding>& bindings);
 
+    /// Whether the shortcut of this application is ours.
+    bool isRegistered(const std::string& appPath) const { return registered.contains(appPath); }
+
     /// The place of a binding among `count` by its identifier.
     static std::optional<std::size_t> indexOf(std::uint32_t id, std::size_t count);
 
@@ -46,6 +51,7 @@ private:
     Log& log;
     std::function<void(std::uint32_t id)> pressed;
     std::vector<HotKeyRef> bindingHotKeyRefs;
+    std::set<std::string> registered;  ///< paths of applications
     bool hotKeyEventHandlerInstalled = false;
     Lifetime life;
 };

@@ -26,7 +26,7 @@ inline constexpr const char* interfaceModuleName = "quorvel-interface.so";
 inline constexpr const char* interfaceEntryName = "quorvelCreateInterface";
 
 /// To be raised with every change of `Interface`, `InterfaceHost` or what they are made of.
-inline constexpr std::uint32_t interfaceVersion = 3;
+inline constexpr std::uint32_t interfaceVersion = 4;
 
 /// Makes the interface; the caller owns it. Null where there can be none: the module was built for
 /// another version (then nothing but the version has been looked at), or its toolkit does not

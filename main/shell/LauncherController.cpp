@@ -10,16 +10,32 @@
 #include "main/shell/LoginItem.hpp"
 #include "main/shell/ProcessValues.hpp"
 #include "main/shell/SettingsUpgrade.hpp"
+#include "main/shortcuts/HotKeySpec.hpp"
 #include "main/tucking/AXPermission.hpp"
 #include "main/tucking/AXWindows.hpp"
 #include "main/tucking/TuckAnimationStyle.hpp"
 #include "platform/Text.hpp"
 
 namespace quorvel {
+namespace {
 
-LauncherController::LauncherController(const Desktop& desktop, Application& application,
+Desktop withLog(Desktop desktop, Log& log) {
+    return {desktop.runLoop,       log,
+            desktop.defaults,      desktop.files,
+            desktop.screens,       desktop.pointer,
+            desktop.pollTimers,    desktop.hotKeys,
+            desktop.applications,  desktop.catalog,
+            desktop.windows,       desktop.trust,
+            desktop.loginItem,     desktop.statusBar,
+            desktop.remoteControl, desktop.diagnostics};
+}
+
+}  // namespace
+
+LauncherController::LauncherController(const Desktop& outer, Application& application,
                                        InterfaceProvider interface)
-    : desktop(desktop),
+    : chronicle(outer.log, outer.runLoop),
+      desktop(withLog(outer, chronicle)),
       application(application),
       interface(interface),
       settings(desktop.defaults),
@@ -34,10 +50,19 @@ LauncherController::LauncherController(const Desktop& desktop, Application& appl
           settings, desktop.runLoop,
           {desktop.pollTimers, desktop.pointer, desktop.screens, desktop.runLoop, desktop.log},
           [this](const std::string& appPath, const std::string& edgeHintRaw) {
+              chronicle.begin("the hot corner of " + desktop.catalog.nameOf(appPath));
               activateOrTuck(appPath, edgeHintRaw);
           }),
       edgeRevealWatcher(tuckController,
-                        {desktop.pollTimers, desktop.pointer, desktop.runLoop, desktop.log}) {}
+                        {desktop.pollTimers, desktop.pointer, desktop.runLoop, desktop.log}),
+      control(
+          desktop, tuckController, chronicle,
+          {[this](const std::string& appPath) {
+               chronicle.begin("quorvelctl toggle " + desktop.catalog.nameOf(appPath));
+               activateOrTuck(appPath, edgeHintUnderPointer(appPath));
+           },
+           [this] { reloadFromSettings(); },
+           [this](const std::string& appPath) { return bindingHotKeys.isRegistered(appPath); }}) {}
 
 void LauncherController::applicationDidFinishLaunching() {
     upgradeSettings();
@@ -52,6 +77,8 @@ void LauncherController::applicationDidFinishLaunching() {
     edgeRevealWatcher.start();
     observeDesktop();
 
+    requests = desktop.remoteControl.serve(
+        [this](const RemoteRequest& request) { return answer(request); });
     sigTermSource = desktop.runLoop.onTerminationSignal([this, alive = life.watch()] {
         if (!alive.expired()) quitLauncher();
     });
@@ -161,6 +188,7 @@ void LauncherController::applicationDeactivated(const std::string& appPath, std:
     tuckController.hideRevealed(appPath);
     const auto config = tuckConfig(appPath);
     if (config && config->isAuto && config->edge) {
+        chronicle.begin("Auto, as " + desktop.catalog.nameOf(appPath) + " is no longer in front");
         tuckController.tuckFocused(appPath, pid, *config->edge);
     }
 }
@@ -257,6 +285,9 @@ void LauncherController::handleHotKey(std::uint32_t id) {
     }
     // A copy: an alert on the way may be followed by a reload.
     const std::string appPath = activeBindings[*index].appPath;
+    const auto spec = HotKeySpec::parse(activeBindings[*index].hotKey);
+    chronicle.begin("the shortcut " + (spec ? spec->display() : "") + " of " +
+                    desktop.catalog.nameOf(appPath));
     activateOrTuck(appPath, edgeHintUnderPointer(appPath));
 }
 

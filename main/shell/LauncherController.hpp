@@ -12,6 +12,8 @@
 #include "main/shell/AppOpener.hpp"
 #include "main/shell/Application.hpp"
 #include "main/shell/BindingHotKeys.hpp"
+#include "main/shell/Chronicle.hpp"
+#include "main/shell/Control.hpp"
 #include "main/shell/HotZoneAssignment.hpp"
 #include "main/shell/Interface.hpp"
 #include "main/shell/SettingsHost.hpp"
@@ -35,8 +37,7 @@ public:
     };
 
     /// All that the desktop names, and the application, outlive the controller.
-    LauncherController(const Desktop& desktop, Application& application,
-                       InterfaceProvider interface);
+    LauncherController(const Desktop& outer, Application& application, InterfaceProvider interface);
 
     void applicationDidFinishLaunching() override;
     void applicationWillTerminate() override;
@@ -56,6 +57,9 @@ public:
 
     /// Ends the program in the orderly way, whatever waits for an answer.
     void quitLauncher();
+
+    /// What other programs may ask for.
+    RemoteAnswer answer(const RemoteRequest& request) { return control.answer(request); }
 
     /// The deed behind every trigger of a bound application.
     void activateOrTuck(const std::string& appPath, const std::string& edgeHintRaw);
@@ -102,7 +106,8 @@ private:
     std::optional<std::string> placedEdgeRaw(const std::string& appPath,
                                              const Rect& displayCocoa) const;
 
-    Desktop desktop;
+    Chronicle chronicle;
+    Desktop desktop;  ///< its log is the chronicle
     Application& application;
     InterfaceProvider interface;
 
@@ -115,6 +120,8 @@ private:
     BindingHotKeys bindingHotKeys;
     HotZoneAssignment hotZoneAssignment;
     EdgeRevealWatcher edgeRevealWatcher;
+    Control control;
+    Subscription requests;
     std::vector<Subscription> workspaceObservers;
     Subscription screenObserver;
     Subscription sigTermSource;

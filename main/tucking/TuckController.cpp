@@ -52,6 +52,7 @@ void TuckController::toggleTuck(const std::string& appPath, TuckEdge edge) {
     }
     if (hiddenApps.contains(appPath) && applications.isHidden(*application)) {
         // Its windows are out of reach; the second toggle undoes what the first one did.
+        log.note("It was hidden here: shown again.");
         toggleBottomTuck(*application, appPath);
         return;
     }
@@ -60,10 +61,13 @@ void TuckController::toggleTuck(const std::string& appPath, TuckEdge edge) {
         tuckOrUntuck(*window, appPath);
         return;
     }
+    log.note("It has no window with the keyboard yet: once more in a moment.");
     runLoop.after(focusRetryDelay, [this, alive = life.watch(), pid, appPath] {
         if (alive.expired()) return;
         if (const auto window = windows.focusedWindow(pid, appPath)) {
             tuckOrUntuck(*window, appPath);
+        } else {
+            log.note("It has no window that could be tucked.");
         }
     });
 }
@@ -73,15 +77,16 @@ void TuckController::tuckFocused(const std::string& appPath, std::int32_t pid, T
         autoBottomTuck(pid, appPath);
         return;
     }
-    if (!trust.isTrusted()) return;
+    if (!trust.isTrusted()) return log.note(trust.reason());
     const auto window = windows.focusedWindow(pid, appPath);
-    if (!window || registry.find(*window)) return;
+    if (!window) return log.note("It has no window that could be tucked.");
+    if (registry.find(*window)) return log.note("Its window is tucked already.");
     const auto frameAX = windows.frameAX(*window);
-    if (!frameAX) return;
+    if (!frameAX) return log.note("Its window cannot be read.");
     const auto display = screenCocoa(*frameAX);
-    if (!display) return;
+    if (!display) return log.note("No display is attached.");
     const auto placed = placedEdge(appPath, *display);
-    if (!placed.edge) return;
+    if (!placed.edge) return log.note(std::string("Left alone: ").append(placed.whyNot));
     if (*placed.edge == TuckEdge::bottom) {
         autoBottomTuck(pid, appPath);
         return;
@@ -268,9 +273,9 @@ void TuckController::tuckOrUntuck(AXWindow window, const std::string& appPath) {
         return;
     }
     const auto frameAX = windows.frameAX(window);
-    if (!frameAX) return;
+    if (!frameAX) return log.note("Its window cannot be read.");
     const auto display = screenCocoa(*frameAX);
-    if (!display) return;
+    if (!display) return log.note("No display is attached.");
     const auto placed = placedEdge(appPath, *display);
     if (!placed.edge) {
         hideInstead(appPath, placed.whyNot);

@@ -25,12 +25,18 @@ X11Desktop::X11Desktop(XConnection& x, const XdgFolders& folders, const std::str
       windows(x, elements, manager, applications, [this] { return screens.framesInRoot(); }),
       pollTimers(x, runLoop, pointer, screens, windows),
       trust(x, X11Trust::isWaylandSession(), std::move(shown.prompt)),
-      statusBar({x, runLoop, log, manager, iconFolders(executable, folders),
-                 std::move(shown.popUpMenu)}) {}
+      bus(runLoop, log),
+      statusBar({x, runLoop, log, manager, bus, iconFolders(executable, folders),
+                 std::move(shown.popUpMenu)}),
+      remoteControl(bus),
+      diagnostics(x, manager, bus,
+                  {folders.configHome + "/com.tessivane.quorvel",
+                   files.homeDirectory() + "/Library/Logs"}) {}
 
 Desktop X11Desktop::desktop() {
-    return {runLoop, log,          defaults, files,   screens, pointer,   pollTimers,
-            hotKeys, applications, catalog,  windows, trust,   loginItem, statusBar};
+    return {runLoop,    log,       defaults,      files,      screens, pointer,
+            pollTimers, hotKeys,   applications,  catalog,    windows, trust,
+            loginItem,  statusBar, remoteControl, diagnostics};
 }
 
 void X11Desktop::bringToFront(std::uint64_t identifier) const {

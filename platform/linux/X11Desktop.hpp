@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/Desktop.hpp"
+#include "platform/linux/BusControl.hpp"
 #include "platform/linux/DesktopEntries.hpp"
 #include "platform/linux/GlibRunLoop.hpp"
 #include "platform/linux/JsonDefaults.hpp"
@@ -12,6 +13,7 @@
 #include "platform/linux/WindowElements.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/X11Applications.hpp"
+#include "platform/linux/X11Diagnostics.hpp"
 #include "platform/linux/X11HotKeys.hpp"
 #include "platform/linux/X11Pointer.hpp"
 #include "platform/linux/X11PollTimers.hpp"
@@ -67,7 +69,10 @@ private:
     X11WindowAccess windows;
     X11PollTimers pollTimers;
     X11Trust trust;
+    SessionBus bus;
     PanelStatusBar statusBar;
+    BusControl remoteControl;
+    X11Diagnostics diagnostics;
 };
 
 }  // namespace quorvel::native

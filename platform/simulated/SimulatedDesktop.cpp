@@ -5,8 +5,9 @@
 namespace quorvel {
 
 Desktop SimulatedDesktop::desktop() {
-    return {runLoop, log,          defaults, files,   screens, pointer,   pollTimers,
-            hotKeys, applications, catalog,  windows, trust,   loginItem, statusBar};
+    return {runLoop,    log,       defaults,      files,      screens, pointer,
+            pollTimers, hotKeys,   applications,  catalog,    windows, trust,
+            loginItem,  statusBar, remoteControl, diagnostics};
 }
 
 void SimulatedDesktop::install(const std::string& path, const std::string& name) {

@@ -10,6 +10,7 @@
 #include "platform/simulated/SimulatedLoginItem.hpp"
 #include "platform/simulated/SimulatedPointer.hpp"
 #include "platform/simulated/SimulatedPollTimers.hpp"
+#include "platform/simulated/SimulatedRemoteControl.hpp"
 #include "platform/simulated/SimulatedRunLoop.hpp"
 #include "platform/simulated/SimulatedScreens.hpp"
 #include "platform/simulated/SimulatedStatusBar.hpp"
@@ -38,6 +39,8 @@ public:
     SimulatedTrust trust;
     SimulatedLoginItem loginItem;
     SimulatedStatusBar statusBar;
+    SimulatedRemoteControl remoteControl;
+    SimulatedDiagnostics diagnostics;
     SimulatedWindowServer server;
     SimulatedApplications applications{server, runLoop};
     SimulatedWindows windows{server, applications, screens, trust, runLoop};

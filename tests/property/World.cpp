@@ -63,9 +63,10 @@ World::World()
 
 Desktop World::witnessedDesktop() {
     const Desktop all = sim.desktop();
-    return {all.runLoop, witness,        all.defaults,  all.files,        all.screens,
-            all.pointer, all.pollTimers, all.hotKeys,   all.applications, all.catalog,
-            witness,     all.trust,      all.loginItem, all.statusBar};
+    return {all.runLoop,      witness,       all.defaults,      all.files,
+            all.screens,      all.pointer,   all.pollTimers,    all.hotKeys,
+            all.applications, all.catalog,   witness,           all.trust,
+            all.loginItem,    all.statusBar, all.remoteControl, all.diagnostics};
 }
 
 void World::play(const Step& step) {

@@ -205,10 +205,11 @@ TEST_F(LauncherHotZonesTest, ADeedThatOutlivesTheControllerIsSkipped) {
     sim.defaults.setObject(Keys::hotZoneDwellMs, 0);
     bind({{editor}});
     place({{editor, displayId(1), "topLeft", "none"}});
-    controller.emplace(Desktop{all.runLoop, log, all.defaults, all.files, all.screens, all.pointer,
-                               all.pollTimers, all.hotKeys, all.applications, all.catalog,
-                               all.windows, all.trust, all.loginItem, all.statusBar},
-                       application, []() -> Interface* { return nullptr; });
+    controller.emplace(
+        Desktop{all.runLoop, log, all.defaults, all.files, all.screens, all.pointer, all.pollTimers,
+                all.hotKeys, all.applications, all.catalog, all.windows, all.trust, all.loginItem,
+                all.statusBar, all.remoteControl, all.diagnostics},
+        application, []() -> Interface* { return nullptr; });
     controller->reloadFromSettings();
     sim.settle();
     sim.pointer.moveTo({0, 900});

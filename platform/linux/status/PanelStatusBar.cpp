@@ -21,7 +21,7 @@ class PanelStatusItem final : public StatusItem {
 public:
     explicit PanelStatusItem(const PanelStatusBar::Surroundings& surroundings)
         : surroundings(surroundings),
-          bus(surroundings.runLoop, surroundings.log),
+          bus(surroundings.bus),
           busChanges(bus.onChange([this] { busChanged(); })),
           tray(surroundings.x, surroundings.runLoop, content,
                [this](const StatusItemEvent& event) { clicked(event); }),
@@ -136,7 +136,7 @@ private:
     StatusItemContent content;
     std::function<void(const StatusItemEvent&)> action;
     std::function<Menu()> menu;
-    SessionBus bus;
+    SessionBus& bus;
     Subscription busChanges;
     std::optional<StatusNotifierItem> notifier;
     TrayWindow tray;

@@ -9,6 +9,7 @@
 #include "platform/StatusBar.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/XConnection.hpp"
+#include "platform/linux/status/SessionBus.hpp"
 
 namespace quorvel::native {
 
@@ -22,6 +23,7 @@ public:
         RunLoop& runLoop;
         Log& log;
         WindowManagerInfo& manager;
+        SessionBus& bus;  ///< connected soon after the item is made
         /// Folders of icon themes, the first that has the icon wins.
         std::vector<std::string> iconFolders;
         /// Opens a menu at the pointer, where the panel has none of its own.

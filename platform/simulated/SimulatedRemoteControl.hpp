@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/Diagnostics.hpp"
+#include "platform/RemoteControl.hpp"
+
+namespace quorvel {
+
+class SimulatedRemoteControl final : public RemoteControl {
+public:
+    /// Another program asks; nothing when nobody serves.
+    std::optional<RemoteAnswer> ask(const std::string& command, const std::string& argument = "") {
+        if (!server) return std::nullopt;
+        return server({command, argument});
+    }
+
+    [[nodiscard]] Subscription serve(Server newServer) override {
+        server = std::move(newServer);
+        return Subscription([this] { server = nullptr; });
+    }
+
+private:
+    Server server;
+};
+
+class SimulatedDiagnostics final : public Diagnostics {
+public:
+    std::vector<Finding> findings;
+    std::vector<std::string> takers;
+
+    std::vector<Finding> examine() override { return findings; }
+    std::vector<std::string> shortcutTakers() override { return takers; }
+};
+
+}  // namespace quorvel
