@@ -215,6 +215,9 @@ void LauncherController::quitLauncher() {
 
 void LauncherController::reloadFromSettings() {
     const std::vector<AppBinding> before = activeBindings;
+    // By the paths that they are bound by; afterwards they may be called otherwise.
+    std::vector<RunningApplication> running;
+    if (!before.empty()) running = desktop.applications.runningApplications();
     applyHotZone(settings.hotZoneDwellMs());
     tuckController.animationStyle =
         parseTuckAnimationStyle(settings.tuckAnimation().value_or("slide"))
@@ -229,19 +232,21 @@ void LauncherController::reloadFromSettings() {
         const bool isStillThere =
             std::any_of(activeBindings.begin(), activeBindings.end(),
                         [&](const AppBinding& now) { return now.appPath == binding.appPath; });
-        if (!isStillThere) letGoOf(binding.appPath);
+        if (!isStillThere) letGoOf(binding.appPath, running);
     }
 }
 
 /// Nothing would bring its windows back any more.
-void LauncherController::letGoOf(const std::string& appPath) {
+void LauncherController::letGoOf(const std::string& appPath,
+                                 const std::vector<RunningApplication>& running) {
     for (const auto& tucked : tuckController.tuckedWindows()) {
         if (tucked.appPath == appPath) tuckController.untuck(tucked.window, std::nullopt, false);
     }
-    for (const RunningApplication& running : desktop.applications.runningApplications()) {
-        if (running.bundlePath != appPath || !desktop.applications.isHidden(running)) continue;
-        desktop.applications.unhide(running);
-        return;
+    for (const RunningApplication& each : running) {
+        if (each.bundlePath != appPath) continue;
+        const auto now =
+            desktop.applications.applicationWithProcessIdentifier(each.processIdentifier);
+        if (now && desktop.applications.isHidden(*now)) desktop.applications.unhide(*now);
     }
 }
 

@@ -97,7 +97,7 @@ private:
     void statusItemClicked(const StatusItemEvent& event);
     Menu statusMenu();
     void upgradeSettings();
-    void letGoOf(const std::string& appPath);
+    void letGoOf(const std::string& appPath, const std::vector<RunningApplication>& running);
     void observeDesktop();
     void applicationDeactivated(const std::string& appPath, std::int32_t pid);
     void applicationActivated(const std::string& appPath);

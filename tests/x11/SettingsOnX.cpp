@@ -17,8 +17,8 @@ constexpr const char* windowTitle = "Quorvel Settings";
 SettingsOnX::SettingsOnX(XSessionOptions options) : ProgramOnX(options) {}
 
 AccessibleApplication& SettingsOnX::application() {
-    if (!seen) seen.emplace(session.bus().address(), "Quorvel");
-    return *seen;
+    if (!reader) reader.emplace(session.bus().address(), "Quorvel");
+    return *reader;
 }
 
 xcb_window_t SettingsOnX::openSettings(Launch launch) {

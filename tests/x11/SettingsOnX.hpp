@@ -66,7 +66,7 @@ public:
     void keepPicture(const std::string& name) const;
 
 private:
-    std::optional<AccessibleApplication> seen;
+    std::optional<AccessibleApplication> reader;
 };
 
 }  // namespace quorvel::test
