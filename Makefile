@@ -10,7 +10,7 @@ JOBS ?= $(shell nproc)
 TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
 CTEST := --output-on-failure --no-tests=error --progress
 
-.PHONY: run test deps build install bench matrix check format clean tour pictures
+.PHONY: run test deps build install deb test-package bench matrix check format clean tour pictures
 
 # Builds and starts the program on this desktop; where there is none, on a private one of its own,
 # where it walks through what the program does.
@@ -48,6 +48,7 @@ test:
 	@ctest --test-dir $(DEV) -L 'unit|views|property' -j $(JOBS) $(CTEST)
 	@ctest --test-dir $(DEV) -L contract -R /simulated -j $(JOBS) $(CTEST)
 	@ctest --test-dir $(RELEASE) -L property $(CTEST)
+	@scripts/check-install
 	@scripts/settings-pictures
 	@# Window managers have races of their own on a busy machine: what fails must fail twice, and says so.
 	@ctest --test-dir $(RELEASE) -L 'contract|x11' -j $(TEST_JOBS) --repeat until-pass:2 $(CTEST)
@@ -59,8 +60,20 @@ check:
 format:
 	@git ls-files -co --exclude-standard -- '*.cpp' '*.hpp' | xargs clang-format -i
 
+# Below $(DESTDIR)$(PREFIX). With the variables of GNUInstallDirs (CMAKE_INSTALL_LIBDIR …) in the
+# cache of build/release, into other folders of it.
 install: build
-	@cmake --install $(RELEASE) --prefix $(PREFIX)
+	@DESTDIR="$(abspath $(DESTDIR))" cmake --install $(RELEASE) --prefix "$(abspath $(PREFIX))"
+
+# build/quorvel_VERSION_ARCH.deb
+deb:
+	@scripts/install-packages package
+	@JOBS=$(JOBS) scripts/build-package
+
+# The package on a fresh Debian 12 in a folder: as root, with network.
+test-package: deb
+	@scripts/install-packages package-test
+	@scripts/check-package build/quorvel_*.deb
 
 bench:
 	@scripts/install-packages build run desktop bench
