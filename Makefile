@@ -63,7 +63,8 @@ format:
 # Below $(DESTDIR)$(PREFIX). With the variables of GNUInstallDirs (CMAKE_INSTALL_LIBDIR …) in the
 # cache of build/release, into other folders of it.
 install: build
-	@DESTDIR="$(abspath $(DESTDIR))" cmake --install $(RELEASE) --prefix "$(abspath $(PREFIX))"
+	@DESTDIR="$(if $(DESTDIR),$$(realpath -m "$(DESTDIR)"))" \
+	    cmake --install $(RELEASE) --prefix "$(PREFIX)"
 
 # build/quorvel_VERSION_ARCH.deb
 deb:
