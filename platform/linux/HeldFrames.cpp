@@ -79,6 +79,7 @@ void HeldFrames::invalidate(xcb_window_t client) {
     if (const auto found = entries.find(client); found != entries.end()) {
         found->second.isKnown = false;
         found->second.observation = 0;
+        found->second.wasChanged = true;
     }
 }
 
@@ -118,7 +119,9 @@ void HeldFrames::take() {
 
 std::optional<WindowReading> HeldFrames::judged(xcb_window_t client, Entry& entry,
                                                 std::optional<WindowReading> reading) const {
-    const bool hasAnotherFrame = reading && entry.settled && reading->frame != entry.settled->frame;
+    // Where it was before a change of ours is no place to believe in.
+    const bool hasAnotherFrame =
+        reading && entry.settled && !entry.wasChanged && reading->frame != entry.settled->frame;
     const bool isSettled = reading ? !hasAnotherFrame : !frames.exists(client);
     const auto now = Clock::now();
     if (!isSettled && entry.settled) {
@@ -126,6 +129,7 @@ std::optional<WindowReading> HeldFrames::judged(xcb_window_t client, Entry& entr
         if (now - *entry.unsettledSince < handover) return entry.settled;
     }
     entry.unsettledSince.reset();
+    entry.wasChanged = false;
     entry.settled = reading;
     return reading;
 }

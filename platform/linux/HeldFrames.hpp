@@ -50,6 +50,7 @@ private:
         std::optional<WindowReading> reading;
         std::optional<WindowReading> settled;
         std::optional<Clock::time_point> unsettledSince;
+        bool wasChanged = false;  ///< by us, after `settled`
         bool isKnown = false;
         std::uint64_t observation = 0;  ///< the last one that it was part of
         /// Of the request that the reading answers: events up to there are part of it.
