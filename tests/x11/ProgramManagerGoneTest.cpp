@@ -22,8 +22,9 @@ TEST_P(ProgramManagerGoneTest, AWindowTuckedMeanwhileIsStillTuckedUnderTheNextOn
     ASSERT_TRUE(waitUntil([&] { return program.seen(window).x < 0; }));
     // Longer than one manager takes to hand its windows to the next.
     EXPECT_TRUE(neverWithin(1500ms, [&] {
-        return program.linesSinceReady().back() ==
-               "Quorvel: released a tucked window — moved externally or closed";
+        const auto lines = program.linesSinceReady();
+        return !lines.empty() &&
+               lines.back() == "Quorvel: released a tucked window — moved externally or closed";
     }));
     program.session.startWindowManager(WindowManagerKind::openbox);
     EXPECT_EQ(program.terminate(), 0);
