@@ -143,12 +143,20 @@ QLabel* caption(const QString& text, int maxWidth) {
 
 QPushButton* smallButton(const QString& title) {
     auto* const button = new QPushButton(title);
-    button->setFont(font(11));
+    const QFont small = font(11);
+    button->setFont(small);
     button->setAutoDefault(false);
-    // Styles make room for the titles of dialogs.
+    // Styles make room for the titles of dialogs. Lists have hundreds of the same.
     constexpr int padding = 24;
-    button->setFixedWidth(button->fontMetrics().horizontalAdvance(title) + padding);
-    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    static QString measuredTitle;
+    static QFont measuredFont;
+    static int advance = 0;
+    if (measuredTitle != title || measuredFont != small) {
+        measuredTitle = title;
+        measuredFont = small;
+        advance = QFontMetrics(small).horizontalAdvance(title);
+    }
+    button->setFixedSize(advance + padding, button->sizeHint().height());
     return button;
 }
 
