@@ -4,6 +4,7 @@
 #include "platform/simulated/SimulatedApplications.hpp"
 #include "platform/simulated/SimulatedCatalog.hpp"
 #include "platform/simulated/SimulatedDefaults.hpp"
+#include "platform/simulated/SimulatedDiagnostics.hpp"
 #include "platform/simulated/SimulatedFiles.hpp"
 #include "platform/simulated/SimulatedHotKeys.hpp"
 #include "platform/simulated/SimulatedLog.hpp"

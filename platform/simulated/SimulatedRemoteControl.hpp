@@ -1,8 +1,9 @@
 #pragma once
 
-#include <vector>
+#include <optional>
+#include <string>
+#include <utility>
 
-#include "platform/Diagnostics.hpp"
 #include "platform/RemoteControl.hpp"
 
 namespace quorvel {
@@ -22,15 +23,6 @@ public:
 
 private:
     Server server;
-};
-
-class SimulatedDiagnostics final : public Diagnostics {
-public:
-    std::vector<Finding> findings;
-    std::vector<std::string> takers;
-
-    std::vector<Finding> examine() override { return findings; }
-    std::vector<std::string> shortcutTakers() override { return takers; }
 };
 
 }  // namespace quorvel

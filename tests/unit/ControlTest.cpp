@@ -11,7 +11,7 @@ using testing::HasSubstr;
 
 class ControlTest : public LauncherFixture {
 protected:
-    static constexpr Rect home{100, 100, 800, 600};
+    static constexpr Rect home = editorHome;
 
     void SetUp() override {
         sim.pointer.moveTo({720, 450});
@@ -37,18 +37,11 @@ protected:
         for (const Value& step : list(ask("why"), "steps")) result.push_back(*step.text());
         return result;
     }
-    AXWindow tuckedEditor() {
-        const AXWindow window = sim.start(editor, home);
-        press(editorKeys);
-        waitForSlides();
-        EXPECT_EQ(sim.frameAX(window)->x, -798);
-        return window;
-    }
 };
 
 TEST_F(ControlTest, StatusTellsTheListTheDisplaysAndWhatIsTucked) {
     launch();
-    tuckedEditor();
+    tuckEditor();
     const RemoteAnswer answer = ask("status");
     ASSERT_FALSE(answer.error);
     const Value::Array bindings = list(answer, "bindings");
@@ -102,7 +95,7 @@ TEST_F(ControlTest, WhyBeforeAnythingHasHappened) {
 
 TEST_F(ControlTest, WhyTellsTheTriggerWhatItDidAndHowLongAgo) {
     launch();
-    tuckedEditor();
+    tuckEditor();
     sim.advance(std::chrono::seconds(4));
     const RemoteAnswer answer = ask("why");
     EXPECT_EQ(*answer.value.at("trigger").text(), "the shortcut ⌃⌥E of editor");
@@ -129,7 +122,7 @@ TEST_F(ControlTest, WhyTellsWhatIsInFrontInstead) {
 
 TEST_F(ControlTest, WhatComesLongAfterATriggerIsNotItsDoing) {
     launch();
-    tuckedEditor();
+    tuckEditor();
     const auto before = steps();
     sim.advance(std::chrono::seconds(5));
     ask("untuck");
@@ -165,7 +158,7 @@ TEST_F(ControlTest, OneNameForTwoIsAskedBack) {
 TEST_F(ControlTest, RevealBringsATuckedWindowOut) {
     launch();
     EXPECT_EQ(ask("reveal", "editor").error, "editor has no tucked window.");
-    const AXWindow window = tuckedEditor();
+    const AXWindow window = tuckEditor();
     EXPECT_FALSE(ask("reveal", "editor").error);
     sim.advance(std::chrono::milliseconds(400));
     EXPECT_GE(sim.frameAX(window)->x, 0);
@@ -173,7 +166,7 @@ TEST_F(ControlTest, RevealBringsATuckedWindowOut) {
 
 TEST_F(ControlTest, UntuckPutsAllBack) {
     launch();
-    const AXWindow window = tuckedEditor();
+    const AXWindow window = tuckEditor();
     EXPECT_EQ(*ask("untuck").value.at("untucked").integer(), 1);
     EXPECT_EQ(sim.frameAX(window), home);
 }

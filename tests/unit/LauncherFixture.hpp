@@ -74,6 +74,18 @@ protected:
         sim.settle();
     }
 
+    static constexpr Rect editorHome{100, 100, 800, 600};
+
+    /// The editor in front, put to the left edge by its shortcut. The pointer is out of the way.
+    AXWindow tuckEditor() {
+        sim.pointer.moveTo({720, 450});
+        const AXWindow window = sim.start(editor, editorHome);
+        press(editorKeys);
+        waitForSlides();
+        EXPECT_EQ(sim.frameAX(window)->x, -798);
+        return window;
+    }
+
     /// Lets slides come to their end.
     void waitForSlides() { sim.advance(std::chrono::seconds(1)); }
 

@@ -11,7 +11,7 @@ using testing::Not;
 
 class LauncherLostWindowsTest : public LauncherFixture {
 protected:
-    static constexpr Rect home{100, 100, 800, 600};
+    static constexpr Rect home = editorHome;
 
     void SetUp() override {
         sim.pointer.moveTo({720, 450});
@@ -27,13 +27,6 @@ protected:
         sim.log.lines.clear();
         launch();
     }
-    AXWindow tuckedEditor() {
-        const AXWindow window = sim.start(editor, home);
-        press(editorKeys);
-        waitForSlides();
-        EXPECT_EQ(sim.frameAX(window)->x, -798);
-        return window;
-    }
     static auto putBack(int count) {
         return Contains("Quorvel: put back " + std::to_string(count) +
                         " window(s) that an earlier run left");
@@ -42,7 +35,7 @@ protected:
 };
 
 TEST_F(LauncherLostWindowsTest, TuckedAndHiddenWindowsAreBackAndOneLineSaysSo) {
-    const AXWindow tucked = tuckedEditor();
+    const AXWindow tucked = tuckEditor();
     sim.start(browser);
     press(browserKeys);
     ASSERT_TRUE(sim.applications.isHidden({browser, 0}));
@@ -63,7 +56,7 @@ TEST_F(LauncherLostWindowsTest, AWindowInTheMiddleOfItsSlideIsBack) {
 }
 
 TEST_F(LauncherLostWindowsTest, WhatSomebodyHasBroughtBackMeanwhileStaysThere) {
-    const AXWindow window = tuckedEditor();
+    const AXWindow window = tuckEditor();
     controller.reset();
     sim.crash();
     sim.server.drag(window.element, {300, 200});
@@ -74,7 +67,7 @@ TEST_F(LauncherLostWindowsTest, WhatSomebodyHasBroughtBackMeanwhileStaysThere) {
 }
 
 TEST_F(LauncherLostWindowsTest, WhatWasPutBackIsNotRememberedForTheRunAfter) {
-    const AXWindow window = tuckedEditor();
+    const AXWindow window = tuckEditor();
     crashAndLaunch();
     sim.server.drag(window.element, {-700, 200});
     crashAndLaunch();
@@ -109,14 +102,14 @@ TEST_F(LauncherLostWindowsTest, AMaximizedWindowIsMaximizedAgain) {
 }
 
 TEST_F(LauncherLostWindowsTest, AnOrderlyEndLeavesNothingToPutBack) {
-    tuckedEditor();
+    tuckEditor();
     terminate();
     crashAndLaunch();
     EXPECT_THAT(sim.log.lines, nothingPutBack());
 }
 
 TEST_F(LauncherLostWindowsTest, AnApplicationTakenFromTheListGetsItsWindowsBack) {
-    const AXWindow tucked = tuckedEditor();
+    const AXWindow tucked = tuckEditor();
     sim.start(browser);
     press(browserKeys);
     ASSERT_TRUE(sim.applications.isHidden({browser, 0}));
@@ -128,7 +121,7 @@ TEST_F(LauncherLostWindowsTest, AnApplicationTakenFromTheListGetsItsWindowsBack)
 }
 
 TEST_F(LauncherLostWindowsTest, AReloadLeavesThoseThatStayInTheListWhereTheyAre) {
-    const AXWindow tucked = tuckedEditor();
+    const AXWindow tucked = tuckEditor();
     sim.start(browser);
     press(browserKeys);
     bind({{editor, "none", "false"}, {browser, "none", "false"}});
@@ -139,7 +132,7 @@ TEST_F(LauncherLostWindowsTest, AReloadLeavesThoseThatStayInTheListWhereTheyAre)
 }
 
 TEST_F(LauncherLostWindowsTest, ItTucksAndComesBackAsEverAfterwards) {
-    const AXWindow window = tuckedEditor();
+    const AXWindow window = tuckEditor();
     crashAndLaunch();
     sim.server.activate(window.element);
     sim.settle();

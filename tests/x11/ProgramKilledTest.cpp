@@ -48,6 +48,20 @@ protected:
     bool isInReach(xcb_window_t window) {
         return !program.probe().isIconic(window) && isOnDisplay(program.seen(window));
     }
+    struct PutAway {
+        xcb_window_t window = XCB_WINDOW_NONE;
+        Rect home;
+    };
+    /// Opens it by its shortcut; the second press tucks or hides it.
+    PutAway openAndPutAway(TestApplication& application, const char* keys) {
+        program.press(keys);
+        const xcb_window_t window = application.waitForWindow();
+        EXPECT_TRUE(program.waitUntilActive(window));
+        const Rect home = program.settledFrame(window);
+        program.press(keys);
+        EXPECT_TRUE(waitUntil([&] { return !isInReach(window); }));
+        return {window, home};
+    }
     static auto saysPutBack() { return Contains(HasSubstr("Quorvel: put back ")); }
 };
 
@@ -55,18 +69,9 @@ class ProgramKilledWhereWindowsAreMaximized : public ProgramKilledTest {};
 
 TEST_P(ProgramKilledTest, AtRestAndHiddenEverythingIsBackWithTheNextStart) {
     program.start();
-    program.press(notesKeys);
-    const xcb_window_t tucked = notes.waitForWindow();
-    ASSERT_TRUE(program.waitUntilActive(tucked));
-    const Rect home = program.settledFrame(tucked);
-    program.press(notesKeys);
+    const auto [tucked, home] = openAndPutAway(notes, notesKeys);
     ASSERT_TRUE(program.waitForFrame(tucked, ProgramOnX::atLeftEdge(home)));
-    program.press(filesKeys);
-    const xcb_window_t hidden = files.waitForWindow();
-    ASSERT_TRUE(program.waitUntilActive(hidden));
-    const Rect hiddenHome = program.settledFrame(hidden);
-    program.press(filesKeys);
-    ASSERT_TRUE(waitUntil([&] { return !isInReach(hidden); }));
+    const auto [hidden, hiddenHome] = openAndPutAway(files, filesKeys);
 
     kill();
     program.start();
@@ -87,17 +92,9 @@ TEST_P(ProgramKilledTest, AtRestAndHiddenEverythingIsBackWithTheNextStart) {
 
 TEST_P(ProgramKilledTest, AnOrderlyEndLeavesNothingForTheNextStart) {
     program.start();
-    program.press(notesKeys);
-    const xcb_window_t tucked = notes.waitForWindow();
-    ASSERT_TRUE(program.waitUntilActive(tucked));
-    const Rect home = program.settledFrame(tucked);
-    program.press(notesKeys);
+    const auto [tucked, home] = openAndPutAway(notes, notesKeys);
     ASSERT_TRUE(program.waitForFrame(tucked, ProgramOnX::atLeftEdge(home)));
-    program.press(filesKeys);
-    const xcb_window_t hidden = files.waitForWindow();
-    ASSERT_TRUE(program.waitUntilActive(hidden));
-    program.press(filesKeys);
-    ASSERT_TRUE(waitUntil([&] { return !isInReach(hidden); }));
+    const xcb_window_t hidden = openAndPutAway(files, filesKeys).window;
     EXPECT_EQ(program.terminate(), 0);
     ASSERT_TRUE(program.waitForFrame(tucked, home));
     for (const xcb_window_t window : {tucked, hidden}) {
@@ -111,17 +108,8 @@ TEST_P(ProgramKilledTest, AnOrderlyEndLeavesNothingForTheNextStart) {
 
 TEST_P(ProgramKilledTest, WithoutANextStartTheWindowManagerCanBringThemBack) {
     program.start();
-    const auto open = [&](TestApplication& application, const char* keys) {
-        program.press(keys);
-        const xcb_window_t window = application.waitForWindow();
-        EXPECT_TRUE(program.waitUntilActive(window));
-        program.settledFrame(window);
-        program.press(keys);
-        EXPECT_TRUE(waitUntil([&] { return !isInReach(window); }));
-        return window;
-    };
-    const xcb_window_t hidden = open(files, filesKeys);
-    const xcb_window_t tucked = open(notes, notesKeys);
+    const xcb_window_t hidden = openAndPutAway(files, filesKeys).window;
+    const xcb_window_t tucked = openAndPutAway(notes, notesKeys).window;
     EXPECT_TRUE(
         program.waitForLine("Quorvel: tucked " + notes.entry().string() + " window to left"));
     kill();
