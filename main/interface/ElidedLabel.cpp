@@ -1,10 +1,10 @@
 #include "main/interface/ElidedLabel.hpp"
 
 #include <QPainter>
-#include <cmath>
 #include <utility>
 
 #include "main/interface/PlainToolTip.hpp"
+#include "main/interface/TextWidth.hpp"
 
 namespace quorvel {
 
@@ -33,7 +33,7 @@ ElidedLabel::ElidedLabel(const QString& head, QString tail, int pixelSize, Style
 QString ElidedLabel::shownText(int width) const {
     const QString whole = line(head);
     if (sizeHint().width() <= width) return whole;
-    const int room = width - widthOf(tail);
+    const int room = width - textWidth(tail, font());
     const QString shownHead = fontMetrics().elidedText(head, Qt::ElideRight, room);
     if (room <= 0 || shownHead.isEmpty()) {
         return fontMetrics().elidedText(whole, Qt::ElideRight, width);
@@ -42,8 +42,8 @@ QString ElidedLabel::shownText(int width) const {
 }
 
 QSize ElidedLabel::sizeHint() const {
-    // Layouts ask many times over, and shaping a text is dear.
-    if (!natural) natural = QSize(widthOf(line(head)), fontMetrics().height());
+    // Layouts ask many times over.
+    if (!natural) natural = QSize(textWidth(line(head), font()), fontMetrics().height());
     return *natural;
 }
 
@@ -76,10 +76,6 @@ void ElidedLabel::paintEvent(QPaintEvent*) {
                      static_cast<int>(Qt::AlignLeading | Qt::AlignVCenter) |
                          static_cast<int>(Qt::TextSingleLine),
                      shownText(width()));
-}
-
-int ElidedLabel::widthOf(const QString& text) const {
-    return static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text)));
 }
 
 QString ElidedLabel::line(const QString& shownHead) const {

@@ -32,7 +32,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    int widthOf(const QString& text) const;
     QString line(const QString& shownHead) const;
 
     QString head;  ///< without line breaks

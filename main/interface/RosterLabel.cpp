@@ -8,6 +8,7 @@
 #include "main/interface/ElidedLabel.hpp"
 #include "main/interface/PlainToolTip.hpp"
 #include "main/interface/Style.hpp"
+#include "main/interface/TextWidth.hpp"
 
 namespace quorvel {
 namespace {
@@ -18,10 +19,6 @@ constexpr int shortestName = 60;
 
 QString absence() {
     return QStringLiteral("Not installed");
-}
-
-int widthOf(const QString& text, int pixelSize) {
-    return text.isEmpty() ? 0 : QFontMetrics(Style::font(pixelSize)).horizontalAdvance(text);
 }
 
 }  // namespace
@@ -35,11 +32,11 @@ RosterLabel::RosterLabel(Content content) : shown(std::move(content)) {
     measure();
 }
 
-/// Once: layouts ask many times over, and shaping a text is dear.
+/// Once: layouts ask many times over.
 void RosterLabel::measure() {
-    nameWidth = widthOf(shown.name, 13);
-    shortcutWidth = widthOf(shown.shortcut, 11);
-    absenceWidth = shown.isInstalled ? 0 : widthOf(absence(), 10);
+    nameWidth = textWidth(shown.name, Style::font(13));
+    shortcutWidth = textWidth(shown.shortcut, Style::font(11));
+    absenceWidth = shown.isInstalled ? 0 : textWidth(absence(), Style::font(10));
 }
 
 int RosterLabel::widthBesideName() const {

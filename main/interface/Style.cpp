@@ -4,7 +4,11 @@
 #include <QEvent>
 #include <QFrame>
 #include <QPainter>
+#include <QPointer>
+#include <QStyle>
 #include <vector>
+
+#include "main/interface/TextWidth.hpp"
 
 namespace quorvel::Style {
 namespace {
@@ -75,6 +79,36 @@ private:
     Colour role;
 };
 
+/// Styles make room for the titles of dialogs; this has what its own title takes.
+class SmallButton final : public QPushButton {
+public:
+    explicit SmallButton(const QString& title) : QPushButton(title) {
+        setFont(Style::font(11));
+        setAutoDefault(false);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    }
+
+    // Without the style, as often as it can be: lists have hundreds, and layouts ask many times.
+    QSize sizeHint() const override {
+        constexpr int padding = 24;
+        return {textWidth(text(), font()) + padding, heightFor(*this)};
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+private:
+    static int heightFor(const SmallButton& button) {
+        static QFont measuredFont;
+        static QPointer<const QStyle> measuredStyle;
+        static int height = 0;
+        if (measuredFont != button.font() || measuredStyle != button.style()) {
+            measuredFont = button.font();
+            measuredStyle = button.style();
+            height = button.QPushButton::sizeHint().height();
+        }
+        return height;
+    }
+};
+
 class Line final : public QFrame {
 public:
     Line() { setFrameShape(QFrame::HLine); }
@@ -142,22 +176,7 @@ QLabel* caption(const QString& text, int maxWidth) {
 }
 
 QPushButton* smallButton(const QString& title) {
-    auto* const button = new QPushButton(title);
-    const QFont small = font(11);
-    button->setFont(small);
-    button->setAutoDefault(false);
-    // Styles make room for the titles of dialogs. Lists have hundreds of the same.
-    constexpr int padding = 24;
-    static QString measuredTitle;
-    static QFont measuredFont;
-    static int advance = 0;
-    if (measuredTitle != title || measuredFont != small) {
-        measuredTitle = title;
-        measuredFont = small;
-        advance = QFontMetrics(small).horizontalAdvance(title);
-    }
-    button->setFixedSize(advance + padding, button->sizeHint().height());
-    return button;
+    return new SmallButton(title);
 }
 
 Qt::WindowFlags sheetFlags() {
