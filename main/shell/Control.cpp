@@ -68,6 +68,10 @@ RemoteAnswer Control::answer(const RemoteRequest& request) {
         later([this] { deeds.reload(); });
         return done();
     }
+    if (command == "settings") {
+        later([this] { deeds.openSettings(); });
+        return done();
+    }
     return refusal("There is no command “" + command + "”.");
 }
 

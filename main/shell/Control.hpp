@@ -21,6 +21,7 @@ namespace quorvel {
 ///   reveal APP   brings its tucked windows out
 ///   untuck       puts every tucked window back
 ///   reload       takes the stored settings as they are now
+///   settings     opens the settings window
 ///
 /// APP is a path, a name, or the name of a desktop entry, of an application in the list.
 class Control {
@@ -29,6 +30,7 @@ public:
     struct Deeds {
         std::function<void(const std::string& appPath)> toggle;
         std::function<void()> reload;
+        std::function<void()> openSettings;
         /// Of the active bindings, by path.
         std::function<bool(const std::string& appPath)> hasShortcut;
     };

@@ -61,7 +61,7 @@ LauncherController::LauncherController(const Desktop& outer, Application& applic
                chronicle.begin("quorvelctl toggle " + desktop.catalog.nameOf(appPath));
                activateOrTuck(appPath, edgeHintUnderPointer(appPath));
            },
-           [this] { reloadFromSettings(); },
+           [this] { reloadFromSettings(); }, [this] { openSettings(); },
            [this](const std::string& appPath) { return bindingHotKeys.isRegistered(appPath); }}) {}
 
 void LauncherController::applicationDidFinishLaunching() {

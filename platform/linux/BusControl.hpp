@@ -13,6 +13,10 @@ namespace quorvel::native {
 /// command; every method gives a JSON object. A refused request is the error
 /// com.tessivane.quorvel.Error.Refused. Where another process has the name already, there is no way
 /// in.
+///
+/// The same object has org.freedesktop.Application, by which desktops start programs and their
+/// actions (Desktop Entry Specification, "D-Bus Activation"): to activate the running program is to
+/// open its settings, and so is its one action, "settings".
 class BusControl final : public RemoteControl {
 public:
     /// It outlives this object, and is connected by somebody else.
@@ -25,11 +29,18 @@ public:
 
 private:
     void busChanged();
+    void exportControl();
+    void exportApplication();
+    RemoteAnswer answerTo(const RemoteRequest& request) const;
+    GVariant* openSettings(ExportedObject::Failure& failure);
     GVariant* ask(const char* command, GVariant* arguments, ExportedObject::Failure& failure) const;
 
     SessionBus& bus;
     Server server;
-    std::optional<ExportedObject> object;
+    std::optional<ExportedObject> control;
+    std::optional<ExportedObject> application;
+    /// Of a process that the bus has started: what it was started with is the first call.
+    bool isActivationDue;
     guint name = 0;
     Subscription busChanges;
 };

@@ -15,7 +15,8 @@ namespace {
 
 constexpr std::array ownVariables{"GIO_LAUNCHED_DESKTOP_FILE", "GIO_LAUNCHED_DESKTOP_FILE_PID",
                                   "BAMF_DESKTOP_FILE_HINT",    "DESKTOP_STARTUP_ID",
-                                  "XDG_ACTIVATION_TOKEN",      "DESKTOP_AUTOSTART_ID"};
+                                  "XDG_ACTIVATION_TOKEN",      "DESKTOP_AUTOSTART_ID",
+                                  "DBUS_STARTER_ADDRESS",      "DBUS_STARTER_BUS_TYPE"};
 
 struct Context {
     GAppLaunchContext base;

@@ -171,6 +171,12 @@ TEST_F(ControlTest, UntuckPutsAllBack) {
     EXPECT_EQ(sim.frameAX(window), home);
 }
 
+TEST_F(ControlTest, SettingsOpensTheirWindow) {
+    launch();
+    EXPECT_FALSE(ask("settings").error);
+    EXPECT_EQ(interface.settingsShown, 1);
+}
+
 TEST_F(ControlTest, ReloadTakesWhatIsStoredNow) {
     launch();
     bind({{editor, "control,option,J", "false"}});

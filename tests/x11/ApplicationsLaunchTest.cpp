@@ -116,6 +116,8 @@ TEST_F(ApplicationsLaunchTest, WhatIsLaunchedIsIndependentOfUs) {
     sigprocmask(SIG_BLOCK, &blocked, nullptr);
     setenv("BAMF_DESKTOP_FILE_HINT", "/ours.desktop", 1);
     setenv("DESKTOP_STARTUP_ID", "ours", 1);
+    setenv("DBUS_STARTER_ADDRESS", "ours", 1);
+    setenv("DBUS_STARTER_BUS_TYPE", "ours", 1);
     setenv("GIO_LAUNCHED_DESKTOP_FILE", "/ours.desktop", 1);
     const std::string program = reporter("program");
     EXPECT_EQ(opened(program), std::nullopt);
