@@ -49,6 +49,7 @@ test:
 	@ctest --test-dir $(DEV) -L contract -R /simulated -j $(JOBS) $(CTEST)
 	@ctest --test-dir $(RELEASE) -L property $(CTEST)
 	@scripts/check-install
+	@scripts/check-docs
 	@scripts/settings-pictures
 	@# Window managers have races of their own on a busy machine: what fails must fail twice, and says so.
 	@ctest --test-dir $(RELEASE) -L 'contract|x11' -j $(TEST_JOBS) --repeat until-pass:2 $(CTEST)

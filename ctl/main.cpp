@@ -25,6 +25,7 @@ enum Status : int { succeeded = 0, refused = 1, misused = 2, notRunning = 3 };
 
 constexpr const char* usage =
     "usage: quorvelctl [--json] COMMAND\n"
+    "       quorvelctl --help | --version\n"
     "\n"
     "  status         the applications, the displays, the tucked windows\n"
     "  doctor         what of this desktop helps Quorvel or is in its way\n"
