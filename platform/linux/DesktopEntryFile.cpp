@@ -52,12 +52,12 @@ std::string unescaped(std::string_view text) {
 }
 
 std::string_view withoutSpaceInFront(std::string_view text) {
-    const std::size_t start = text.find_first_not_of(" \t\r\f\v");
+    const std::size_t start = text.find_first_not_of(" \t\r\f");
     return start == std::string_view::npos ? std::string_view() : text.substr(start);
 }
 
 std::string_view withoutSpaceBehind(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(" \t\r\f\v") + 1);
+    return text.substr(0, text.find_last_not_of(" \t\r\f") + 1);
 }
 
 bool isTrue(std::string_view value) {
@@ -66,8 +66,8 @@ bool isTrue(std::string_view value) {
 
 }  // namespace
 
-std::optional<DesktopEntry> readDesktopEntry(const std::string& path, const std::string& id) {
-    const std::string text = readSome(path, longestEntry);
+std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, const std::string& path,
+                                              const std::string& id) {
     DesktopEntry entry;
     entry.path = path;
     entry.id = id;
@@ -77,6 +77,8 @@ std::optional<DesktopEntry> readDesktopEntry(const std::string& path, const std:
     for (std::string_view rest = text; !rest.empty();) {
         const std::size_t end = rest.find('\n');
         std::string_view line = withoutSpaceInFront(rest.substr(0, end));
+        // Written on another system; or it would be part of the last word of Exec.
+        if (line.ends_with('\r')) line.remove_suffix(1);
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
         if (line.empty() || line.front() == '#') continue;
         if (line.front() == '[') {
@@ -102,6 +104,10 @@ std::optional<DesktopEntry> readDesktopEntry(const std::string& path, const std:
     }
     if (type != "Application" || isHidden) return std::nullopt;
     return entry;
+}
+
+std::optional<DesktopEntry> readDesktopEntry(const std::string& path, const std::string& id) {
+    return parseDesktopEntry(readSome(path, longestEntry), path, id);
 }
 
 bool canBeRun(const std::string& program) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quorvel::native {
 
@@ -19,8 +20,12 @@ struct DesktopEntry {
     bool operator==(const DesktopEntry&) const = default;
 };
 
-/// Nothing when the file is no entry of an application, or says that it is to count as deleted.
+/// Nothing when the text is no entry of an application, or says that it is to count as deleted.
 /// Reads the main group only, so that neither translations nor length cost anything.
+std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, const std::string& path,
+                                              const std::string& id);
+
+/// The same of a file.
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path, const std::string& id);
 
 /// Whether a program named by Exec or TryExec can be run. A name without a folder is looked for in

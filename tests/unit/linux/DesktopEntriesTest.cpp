@@ -99,6 +99,14 @@ TEST_F(DesktopEntriesTest, SpacesCommentsAndForeignLineEndsAreTaken) {
     EXPECT_EQ(entries.all().front().startupWMClass, "Foo");
 }
 
+TEST_F(DesktopEntriesTest, CarriageReturnsAtTheEndsOfLinesAreNoPartOfTheProgram) {
+    system("a.desktop", "Exec=foo --bar baz\r\nStartupWMClass=Foo\r");
+    system("b.desktop", "Exec=/opt/foo\r");
+    EXPECT_EQ(entries.withId("a.desktop")->startupWMClass, "Foo");
+    EXPECT_EQ(entries.withId("b.desktop")->program, "/opt/foo");
+    EXPECT_EQ(entries.withId("b.desktop")->command, "/opt/foo");
+}
+
 TEST_F(DesktopEntriesTest, UnparsableExecLeavesTheRestUsable) {
     system("a.desktop", "Exec=\"never closed\nStartupWMClass=Foo");
     ASSERT_EQ(entries.all().size(), 1U);
