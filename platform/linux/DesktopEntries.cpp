@@ -71,7 +71,8 @@ struct DesktopEntries::Scan {
     }
 };
 
-DesktopEntries::DesktopEntries(std::vector<std::string> folders) : folders(std::move(folders)) {
+DesktopEntries::DesktopEntries(std::vector<std::string> folders, std::vector<DesktopEntry> given)
+    : folders(std::move(folders)), given(std::move(given)) {
     for (std::string& folder : this->folders) {
         while (folder.size() > 1 && folder.ends_with('/')) folder.pop_back();
     }
@@ -127,7 +128,7 @@ const std::vector<DesktopEntry>& DesktopEntries::all() const {
 
 void DesktopEntries::read() const {
     isRead = true;
-    entries.clear();
+    entries = given;
     Scan scan;
     for (const std::string& folder : folders) {
         // Only within one of the folders is a second way to the same place a circle.
@@ -138,6 +139,7 @@ void DesktopEntries::read() const {
     for (const Scan::File& file : scan.files) idOfPath.emplace(file.path, file.id);
 
     std::unordered_set<std::string> taken;
+    for (const DesktopEntry& entry : given) taken.insert(entry.id);
     for (const std::string& path : preferred) {
         if (!path.ends_with(extension)) continue;
         const auto known = idOfPath.find(path);

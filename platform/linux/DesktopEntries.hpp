@@ -23,8 +23,8 @@ namespace quorvel::native {
 class DesktopEntries {
 public:
     /// Folders that hold entries, at any depth; of two entries with one id the earlier folder's
-    /// counts. None need exist.
-    explicit DesktopEntries(std::vector<std::string> folders);
+    /// counts. None need exist. Those that are `given`, each with an id of its own, come first.
+    explicit DesktopEntries(std::vector<std::string> folders, std::vector<DesktopEntry> given = {});
 
     /// The folders "applications" of the XDG data directories, the user's own first.
     static std::vector<std::string> standardFolders();
@@ -77,6 +77,7 @@ private:
     std::size_t preferenceOf(const DesktopEntry& entry) const;
 
     std::vector<std::string> folders;
+    std::vector<DesktopEntry> given;
     std::vector<std::string> preferred;
     std::unordered_map<std::string, std::size_t> preferences;  ///< the place of each in that list
     mutable std::optional<std::map<FileIdentity, std::size_t>> preferredPrograms;

@@ -42,10 +42,10 @@ std::int32_t numberIn(std::string_view text) {
     return number;
 }
 
-std::string executableOf(const std::string& process) {
-    // An upgrade replaces the file of a program that goes on running.
+/// Without what tells that the file was replaced: an upgrade does so while the program runs on.
+std::string executableOf(const ProgramTexts& texts) {
     constexpr std::string_view deleted = " (deleted)";
-    std::string path = linkTarget(process + "/exe");
+    std::string path = texts.executable;
     if (path.ends_with(deleted)) path.resize(path.size() - deleted.size());
     return path.starts_with('/') ? path : "";
 }
@@ -56,35 +56,41 @@ struct Program {
 };
 
 /// The script that an interpreter runs, or the executable itself.
-Program programOfProcess(const std::string& process, const std::string& executable) {
+Program programOfProcess(const ProgramTexts& texts, const std::string& executable) {
     if (!isInterpreter(lastPathComponent(executable))) {
         return {executable, lastPathComponent(executable)};
     }
-    std::vector<std::string> arguments = partsOf(readSome(process + "/cmdline", manyBytes), '\0');
+    std::vector<std::string> arguments = partsOf(texts.commandLine, '\0');
     if (arguments.empty()) return {executable, ""};
     arguments.front() = executable;
     const std::string script = programOf(arguments);
     if (script.empty() || script == executable) return {executable, ""};
     std::error_code error;
     std::filesystem::path path(script);
-    if (path.is_relative()) path = std::filesystem::path(linkTarget(process + "/cwd")) / path;
+    if (path.is_relative()) path = std::filesystem::path(texts.workingFolder) / path;
     path = path.lexically_normal();
     const bool isThere = path.is_absolute() && std::filesystem::is_regular_file(path, error);
     return {isThere ? path.string() : executable, lastPathComponent(script)};
 }
 
-std::int32_t parentOf(const std::string& process) {
+std::int32_t parentIn(const std::string& stat) {
     // The name before the parent may hold anything, brackets too.
-    const std::string stat = readSome(process + "/stat", 4096);
     const std::size_t behindName = stat.rfind(')');
     if (behindName == std::string::npos || behindName + 4 >= stat.size()) return 0;
     return numberIn(std::string_view(stat).substr(behindName + 4));
 }
 
-std::string flatpakName(const std::string& process) {
+ProgramTexts readProgram(const std::string& process) {
+    ProgramTexts texts{linkTarget(process + "/exe"), {}, {}};
+    if (!isInterpreter(lastPathComponent(executableOf(texts)))) return texts;
+    texts.commandLine = readSome(process + "/cmdline", manyBytes);
+    texts.workingFolder = linkTarget(process + "/cwd");
+    return texts;
+}
+
+std::string flatpakName(const std::string& info) {
     bool inApplication = false;
-    for (const std::string& line :
-         partsOf(readSome(process + "/root/.flatpak-info", manyBytes), '\n')) {
+    for (const std::string& line : partsOf(info, '\n')) {
         if (line.starts_with('[')) inApplication = line == "[Application]";
         if (inApplication && line.starts_with("name=")) return trimmed(line.substr(5));
     }
@@ -130,19 +136,17 @@ std::string readSome(const std::string& path, std::size_t limit) {
     return text;
 }
 
-std::optional<ProcessFacts> readProcessFacts(std::int32_t pid, const std::string& processFolder) {
-    if (pid <= 0) return std::nullopt;
-    const std::string process = processFolder + "/" + std::to_string(pid);
+std::optional<ProcessFacts> processFactsOf(std::int32_t pid, const ProcessTexts& texts) {
     ProcessFacts facts;
     facts.pid = pid;
-    facts.executable = executableOf(process);
+    facts.executable = executableOf(texts.program);
     if (facts.executable.empty()) return std::nullopt;
-    Program program = programOfProcess(process, facts.executable);
+    Program program = programOfProcess(texts.program, facts.executable);
     facts.program = std::move(program.path);
     facts.programName = std::move(program.name);
 
     std::string snapName;
-    for (const std::string& variable : partsOf(readSome(process + "/environ", manyBytes), '\0')) {
+    for (const std::string& variable : partsOf(texts.environment, '\0')) {
         const std::size_t equals = variable.find('=');
         if (equals == std::string::npos) continue;
         const std::string_view name = std::string_view(variable).substr(0, equals);
@@ -155,11 +159,10 @@ std::optional<ProcessFacts> readProcessFacts(std::int32_t pid, const std::string
         }
     }
 
-    if (const std::string name = flatpakName(process); !name.empty()) {
+    if (const std::string name = flatpakName(texts.flatpakInfo); !name.empty()) {
         facts.sandboxIds.push_back(name);
     }
-    if (const std::string name = snapNameIn(trimmed(readSome(process + "/cgroup", 16 * 1024)));
-        !name.empty()) {
+    if (const std::string name = snapNameIn(trimmed(texts.controlGroup)); !name.empty()) {
         facts.sandboxIds.push_back(name);
     }
     // The variable is inherited by whatever a snap starts, the folder is not.
@@ -167,14 +170,27 @@ std::optional<ProcessFacts> readProcessFacts(std::int32_t pid, const std::string
         facts.sandboxIds.push_back(snapName + "_" + snapName);
     }
 
-    facts.parentPid = parentOf(process);
-    const std::string parent = processFolder + "/" + std::to_string(facts.parentPid);
-    const std::string parentExecutable = executableOf(parent);
+    facts.parentPid = parentIn(texts.stat);
+    const std::string parentExecutable = executableOf(texts.parent);
     if (isShell(lastPathComponent(parentExecutable))) {
-        const std::string script = programOfProcess(parent, parentExecutable).path;
+        const std::string script = programOfProcess(texts.parent, parentExecutable).path;
         if (script != parentExecutable) facts.parentScript = script;
     }
     return facts;
+}
+
+std::optional<ProcessFacts> readProcessFacts(std::int32_t pid, const std::string& processFolder) {
+    if (pid <= 0) return std::nullopt;
+    const std::string process = processFolder + "/" + std::to_string(pid);
+    ProcessTexts texts;
+    texts.program = readProgram(process);
+    if (texts.program.executable.empty()) return std::nullopt;
+    texts.environment = readSome(process + "/environ", manyBytes);
+    texts.stat = readSome(process + "/stat", 4096);
+    texts.controlGroup = readSome(process + "/cgroup", 16 * 1024);
+    texts.flatpakInfo = readSome(process + "/root/.flatpak-info", manyBytes);
+    texts.parent = readProgram(processFolder + "/" + std::to_string(parentIn(texts.stat)));
+    return processFactsOf(pid, texts);
 }
 
 }  // namespace quorvel::native

@@ -27,6 +27,27 @@ struct ProcessFacts {
     bool operator==(const ProcessFacts&) const = default;
 };
 
+/// The program that a process runs, as the system tells it.
+struct ProgramTexts {
+    std::string executable;     ///< where /proc/PID/exe leads
+    std::string commandLine;    ///< each argument ends with a zero
+    std::string workingFolder;  ///< where /proc/PID/cwd leads
+};
+
+/// The rest that it tells of a process.
+struct ProcessTexts {
+    ProgramTexts program;
+    std::string environment;   ///< each variable ends with a zero
+    std::string stat;          ///< /proc/PID/stat
+    std::string controlGroup;  ///< /proc/PID/cgroup
+    std::string flatpakInfo;   ///< .flatpak-info, as the process sees it
+    ProgramTexts parent;       ///< the process that `stat` names as its parent
+};
+
+/// Nothing when the texts name no executable. Looks into the file system only to tell whether a
+/// script is there.
+std::optional<ProcessFacts> processFactsOf(std::int32_t pid, const ProcessTexts& texts);
+
 /// Nothing when there is no such process or it may not be looked at. What cannot be read of it
 /// stays empty. `processFolder` is /proc.
 std::optional<ProcessFacts> readProcessFacts(std::int32_t pid,
