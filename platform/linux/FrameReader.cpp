@@ -1,7 +1,8 @@
 #include "platform/linux/FrameReader.hpp"
 
 #include <algorithm>
-#include <cstring>
+
+#include "platform/linux/PropertyReply.hpp"
 
 namespace quorvel::native {
 namespace {
@@ -19,23 +20,7 @@ xcb_get_property_cookie_t askProperty(const XConnection& x, xcb_window_t window,
 
 std::vector<std::uint32_t> items(const XConnection& x, xcb_get_property_cookie_t cookie) {
     const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.xcb(), cookie, nullptr));
-    if (!reply || reply->format != 32) return {};
-    std::vector<std::uint32_t> values(
-        static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / 4);
-    if (!values.empty()) {
-        std::memcpy(values.data(), xcb_get_property_value(reply.get()), values.size() * 4);
-    }
-    return values;
-}
-
-Extents extents(const std::vector<std::uint32_t>& values) {
-    constexpr std::uint32_t largest = 0x7FFF;  // of a coordinate on the wire
-    if (values.size() < 4) return {};
-    for (std::size_t i = 0; i < 4; ++i) {
-        if (values[i] > largest) return {};
-    }
-    return {static_cast<double>(values[0]), static_cast<double>(values[1]),
-            static_cast<double>(values[2]), static_cast<double>(values[3])};
+    return numbersIn(reply.get(), XCB_ATOM_ANY);
 }
 
 Rect withBorder(const xcb_get_geometry_reply_t& geometry, Point outerCorner) {
@@ -134,6 +119,16 @@ bool isInside(const Rect& inner, const Rect& outer) {
 
 }  // namespace
 
+Extents extentsIn(const std::vector<std::uint32_t>& values) {
+    constexpr std::uint32_t largest = 0x7FFF;  // of a coordinate on the wire
+    if (values.size() < 4) return {};
+    for (std::size_t i = 0; i < 4; ++i) {
+        if (values[i] > largest) return {};
+    }
+    return {static_cast<double>(values[0]), static_cast<double>(values[1]),
+            static_cast<double>(values[2]), static_cast<double>(values[3])};
+}
+
 Rect seenArea(const Rect& clientWithBorder, const Rect& frame, const Extents& shadow,
               const Extents& decoration) {
     if (shadow.any() && clientWithBorder == frame) {
@@ -208,8 +203,8 @@ std::optional<WindowReading> FrameReader::answer(const Question& question,
         xcb_get_window_attributes_reply(connection, question.attributes, nullptr));
     answers.frameAttributes.reset(
         xcb_get_window_attributes_reply(connection, question.frameAttributes, nullptr));
-    answers.shadow = extents(items(x, question.shadow));
-    answers.decoration = extents(items(x, question.decoration));
+    answers.shadow = extentsIn(items(x, question.shadow));
+    answers.decoration = extentsIn(items(x, question.decoration));
     answers.states = items(x, question.states);
     answers.management = items(x, question.management);
     isOfThisLineage = isOfThisLineage && answers.geometry && answers.frameGeometry &&

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <unordered_map>
@@ -23,6 +24,9 @@ struct Extents {
     bool operator==(const Extents&) const = default;
     bool any() const { return left > 0 || right > 0 || top > 0 || bottom > 0; }
 };
+
+/// Of the items of a property of four widths; none where they cannot be meant.
+Extents extentsIn(const std::vector<std::uint32_t>& values);
 
 /// The states in which the window manager decides where a window stands.
 struct FillingStates {

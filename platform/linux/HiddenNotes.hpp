@@ -14,7 +14,9 @@ namespace quorvel::native {
 /// The notes on windows that are hidden.
 class HiddenNotes {
 public:
-    explicit HiddenNotes(XConnection& x) : notes(x, "_QUORVEL_HIDDEN", 3) {}
+    static constexpr std::size_t length = 3;
+
+    explicit HiddenNotes(XConnection& x) : notes(x, "_QUORVEL_HIDDEN", length) {}
 
     /// Where its frame belongs, if that is moved off the screen; root coordinates.
     void write(xcb_window_t window, std::optional<Point> frameHome = std::nullopt) const {
@@ -27,13 +29,15 @@ public:
     std::vector<std::pair<xcb_window_t, std::optional<Point>>> all() const {
         std::vector<std::pair<xcb_window_t, std::optional<Point>>> hidden;
         for (const auto& [window, content] : notes.all()) {
-            std::optional<Point> home;
-            if (content[0] != 0) {
-                home = {static_cast<double>(content[1]), static_cast<double>(content[2])};
-            }
-            hidden.emplace_back(window, home);
+            hidden.emplace_back(window, homeIn(content));
         }
         return hidden;
+    }
+
+    /// Of a note of `length` numbers, whatever they are.
+    static std::optional<Point> homeIn(const WindowNotes::Content& content) {
+        if (content[0] == 0) return std::nullopt;
+        return Point{static_cast<double>(content[1]), static_cast<double>(content[2])};
     }
 
 private:

@@ -4,6 +4,8 @@
 
 #include <set>
 
+#include "platform/linux/PropertyReply.hpp"
+
 namespace quorvel::native {
 namespace {
 
@@ -48,18 +50,21 @@ std::vector<std::pair<xcb_window_t, WindowNotes::Content>> WindowNotes::all() co
     for (const auto& [window, question] : questions) {
         const Reply<xcb_get_property_reply_t> reply{
             xcb_get_property_reply(x.xcb(), question, nullptr)};
-        if (!reply || reply->format != 32 || reply->bytes_after != 0) continue;
-        const auto* const numbers =
-            static_cast<const std::int32_t*>(xcb_get_property_value(reply.get()));
-        const auto count =
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / sizeof *numbers;
-        if (count != wanted || numbers[0] != layout ||
-            numbers[1] != static_cast<std::int32_t>(geteuid())) {
-            continue;
+        if (auto content = contentIn(reply.get(), length)) {
+            notes.emplace_back(window, std::move(*content));
         }
-        notes.emplace_back(window, Content(numbers + headerLength, numbers + count));
     }
     return notes;
+}
+
+std::optional<WindowNotes::Content> WindowNotes::contentIn(const xcb_get_property_reply_t* reply,
+                                                           std::size_t length) {
+    if (reply == nullptr || reply->bytes_after != 0) return std::nullopt;
+    const std::vector<std::uint32_t> numbers = numbersIn(reply, XCB_ATOM_INTEGER);
+    if (numbers.size() != headerLength + length) return std::nullopt;
+    const Content note(numbers.begin(), numbers.end());
+    if (note[0] != layout || note[1] != static_cast<std::int32_t>(geteuid())) return std::nullopt;
+    return Content(note.begin() + headerLength, note.end());
 }
 
 }  // namespace quorvel::native

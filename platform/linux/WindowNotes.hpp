@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,6 +31,10 @@ public:
     /// All windows that carry such a note: those that the window manager lists, and those right
     /// under the root. Two round trips.
     std::vector<std::pair<xcb_window_t, Content>> all() const;
+
+    /// What a property says, if it is a note of ours of that length.
+    static std::optional<Content> contentIn(const xcb_get_property_reply_t* reply,
+                                            std::size_t length);
 
 private:
     XConnection& x;
