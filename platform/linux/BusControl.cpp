@@ -42,6 +42,53 @@ constexpr const char* applicationIntrospection = R"(<node>
 </interface>
 </node>)";
 
+std::string inUtf8(const std::string& text) {
+    return takeText(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
+}
+
+/// Names of files and processes may be any bytes; a bus and JSON carry no such text.
+Value inUtf8(const Value& value) {
+    if (value.text() != nullptr) return inUtf8(*value.text());
+    if (value.array() != nullptr) {
+        Value::Array array;
+        for (const Value& each : *value.array()) array.push_back(inUtf8(each));
+        return array;
+    }
+    if (value.dictionary() != nullptr) {
+        Value::Dictionary dictionary;
+        for (const auto& [key, each] : *value.dictionary()) dictionary.append(key, inUtf8(each));
+        return dictionary;
+    }
+    return value;
+}
+
+using Failure = ExportedObject::Failure;
+
+RemoteAnswer answerTo(const RemoteControl::Server& server, const RemoteRequest& request) {
+    return server ? server(request) : RemoteAnswer{{}, "Quorvel is ending."};
+}
+
+GVariant* openSettings(const RemoteControl::Server& server, Failure& failure) {
+    const RemoteAnswer answer = answerTo(server, {"settings", ""});
+    if (answer.error) failure = {refused, inUtf8(*answer.error)};
+    return nullptr;
+}
+
+GVariant* ask(const RemoteControl::Server& server, const char* command, GVariant* arguments,
+              Failure& failure) {
+    const char* argument = "";
+    if (g_variant_n_children(arguments) > 0) g_variant_get(arguments, "(&s)", &argument);
+    const RemoteAnswer answer = answerTo(server, {command, argument});
+    if (answer.error) {
+        failure = {refused, inUtf8(*answer.error)};
+        return nullptr;
+    }
+    JsonDocument document;
+    std::string error;
+    for (const auto& [key, value] : answer.value) document.set(key, inUtf8(value), error);
+    return g_variant_new("(s)", document.text().c_str());
+}
+
 }  // namespace
 
 BusControl::BusControl(SessionBus& bus)
@@ -65,39 +112,40 @@ void BusControl::busChanged() {
     control.reset();
     application.reset();
     if (bus.connection() == nullptr || !server) return;
-    exportControl();
-    exportApplication();
+    control.emplace(bus.connection(), controlDescription(server));
+    application.emplace(bus.connection(), applicationDescription(server, isActivationDue));
     name =
         g_bus_own_name_on_connection(bus.connection(), busName, G_BUS_NAME_OWNER_FLAGS_DO_NOT_QUEUE,
                                      nullptr, nullptr, nullptr, nullptr);
 }
 
-void BusControl::exportControl() {
+ExportedObject::Description BusControl::controlDescription(const Server& server) {
     ExportedObject::Description description{path, controlIntrospection, {}, {}};
     for (const auto& [method, command] : commands) {
         description.methods.emplace(
-            method,
-            [this, command = command](GVariant* arguments, ExportedObject::Failure& failure) {
-                return ask(command, arguments, failure);
+            method, [&server, command = command](GVariant* arguments, Failure& failure) {
+                return ask(server, command, arguments, failure);
             });
     }
-    control.emplace(bus.connection(), std::move(description));
+    return description;
 }
 
-void BusControl::exportApplication() {
-    using Failure = ExportedObject::Failure;
+ExportedObject::Description BusControl::applicationDescription(const Server& server,
+                                                               bool& isActivationDue) {
     ExportedObject::Description description{path, applicationIntrospection, {}, {}};
-    description.methods.emplace("Activate", [this](GVariant*, Failure& failure) -> GVariant* {
-        // Started from a launcher it goes to the panel, as it does without a bus.
-        if (std::exchange(isActivationDue, false)) return nullptr;
-        return openSettings(failure);
-    });
     description.methods.emplace(
-        "ActivateAction", [this](GVariant* arguments, Failure& failure) -> GVariant* {
+        "Activate", [&server, &isActivationDue](GVariant*, Failure& failure) -> GVariant* {
+            // Started from a launcher it goes to the panel, as it does without a bus.
+            if (std::exchange(isActivationDue, false)) return nullptr;
+            return openSettings(server, failure);
+        });
+    description.methods.emplace(
+        "ActivateAction",
+        [&server, &isActivationDue](GVariant* arguments, Failure& failure) -> GVariant* {
             isActivationDue = false;
             const char* action = "";
             g_variant_get_child(arguments, 0, "&s", &action);
-            if (std::string_view(action) == "settings") return openSettings(failure);
+            if (std::string_view(action) == "settings") return openSettings(server, failure);
             failure = {refused, "There is no action “" + std::string(action) + "”."};
             return nullptr;
         });
@@ -105,32 +153,7 @@ void BusControl::exportApplication() {
         failure = {refused, "Quorvel opens no files."};
         return nullptr;
     });
-    application.emplace(bus.connection(), std::move(description));
-}
-
-GVariant* BusControl::openSettings(ExportedObject::Failure& failure) {
-    const RemoteAnswer answer = answerTo({"settings", ""});
-    if (answer.error) failure = {refused, *answer.error};
-    return nullptr;
-}
-
-RemoteAnswer BusControl::answerTo(const RemoteRequest& request) const {
-    return server ? server(request) : RemoteAnswer{{}, "Quorvel is ending."};
-}
-
-GVariant* BusControl::ask(const char* command, GVariant* arguments,
-                          ExportedObject::Failure& failure) const {
-    const char* argument = "";
-    if (g_variant_n_children(arguments) > 0) g_variant_get(arguments, "(&s)", &argument);
-    const RemoteAnswer answer = answerTo({command, argument});
-    if (answer.error) {
-        failure = {refused, *answer.error};
-        return nullptr;
-    }
-    JsonDocument document;
-    std::string error;
-    for (const auto& [key, value] : answer.value) document.set(key, value, error);
-    return g_variant_new("(s)", document.text().c_str());
+    return description;
 }
 
 }  // namespace quorvel::native

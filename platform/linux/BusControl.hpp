@@ -27,13 +27,14 @@ public:
 
     [[nodiscard]] Subscription serve(Server server) override;
 
+    /// What others may ask the object for, by either interface; all that is named here, the server
+    /// null or not, outlives it.
+    static ExportedObject::Description controlDescription(const Server& server);
+    static ExportedObject::Description applicationDescription(const Server& server,
+                                                              bool& isActivationDue);
+
 private:
     void busChanged();
-    void exportControl();
-    void exportApplication();
-    RemoteAnswer answerTo(const RemoteRequest& request) const;
-    GVariant* openSettings(ExportedObject::Failure& failure);
-    GVariant* ask(const char* command, GVariant* arguments, ExportedObject::Failure& failure) const;
 
     SessionBus& bus;
     Server server;

@@ -19,6 +19,8 @@ public:
 
     DBusMenu(GDBusConnection* connection, std::function<Menu()> menu);
 
+    const ExportedObject& exported() const { return object; }
+
     /// Asks for the entries anew and tells the panels where they are others than before; gives
     /// whether they are. For panels that show what they know and ask only then.
     bool update();

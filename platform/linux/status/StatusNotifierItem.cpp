@@ -59,6 +59,20 @@ GVariant* text(const std::string& value) {
     return g_variant_new_string(value.c_str());
 }
 
+/// Each pixel as its bytes from alpha to blue.
+GVariant* pictures(const std::vector<IconImage>& icons) {
+    GVariantBuilder list;
+    g_variant_builder_init(&list, G_VARIANT_TYPE("a(iiay)"));
+    for (const IconImage& icon : icons) {
+        std::vector<std::uint32_t> bytes = icon.pixels;
+        for (std::uint32_t& pixel : bytes) pixel = GUINT32_TO_BE(pixel);
+        g_variant_builder_add(
+            &list, "(ii@ay)", icon.size, icon.size,
+            g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.data(), bytes.size() * 4, 1));
+    }
+    return g_variant_builder_end(&list);
+}
+
 GVariant* noPictures() {
     return g_variant_new_array(G_VARIANT_TYPE("(iiay)"), nullptr, 0);
 }
@@ -69,11 +83,10 @@ StatusNotifierItem::StatusNotifierItem(GDBusConnection* connection, RunLoop& run
                                        const StatusItemContent& content, Handlers handlers)
     : connection(connection),
       runLoop(runLoop),
-      content(content),
       handlers(std::move(handlers)),
       busName("org.kde.StatusNotifierItem-" + std::to_string(getpid()) + "-1"),
       calls(g_cancellable_new()),
-      object(connection, description()),
+      object(connection, description(content, this->handlers.clicked)),
       menu(connection, [this] { return this->handlers.menu(); }) {
     nameOwnership =
         g_bus_own_name_on_connection(connection, busName.c_str(), G_BUS_NAME_OWNER_FLAGS_NONE,
@@ -110,10 +123,11 @@ void StatusNotifierItem::contentChanged() const {
     for (const char* const signal : {"NewTitle", "NewIcon", "NewToolTip"}) object.emit(signal);
 }
 
-ExportedObject::Description StatusNotifierItem::description() {
-    const auto onClick = [this](StatusItemEvent::Type type) {
-        return [this, type](GVariant*, ExportedObject::Failure&) -> GVariant* {
-            handlers.clicked(type);
+ExportedObject::Description StatusNotifierItem::description(
+    const StatusItemContent& content, std::function<void(StatusItemEvent::Type)> clicked) {
+    const auto onClick = [&clicked](StatusItemEvent::Type type) {
+        return [clicked, type](GVariant*, ExportedObject::Failure&) -> GVariant* {
+            clicked(type);
             return nullptr;
         };
     };
@@ -129,41 +143,27 @@ ExportedObject::Description StatusNotifierItem::description() {
              {"Scroll", ignored}},
             {{"Category", always("ApplicationStatus")},
              {"Id", always("com.tessivane.quorvel")},
-             {"Title", [this] { return text(content.accessibilityLabel); }},
+             {"Title", [&content] { return text(content.accessibilityLabel); }},
              {"Status", always("Active")},
              {"WindowId", [] { return g_variant_new_int32(0); }},
              // Where a name is given, panels use only that, and the theme may not have it.
              {"IconName", always("")},
-             {"IconPixmap", [this] { return pictures(); }},
+             {"IconPixmap", [&content] { return pictures(content.icons); }},
              {"IconThemePath", always("")},
-             {"IconAccessibleDesc", [this] { return text(content.accessibilityLabel); }},
+             {"IconAccessibleDesc", [&content] { return text(content.accessibilityLabel); }},
              {"OverlayIconName", always("")},
              {"OverlayIconPixmap", noPictures},
              {"AttentionIconName", always("")},
              {"AttentionIconPixmap", noPictures},
              {"AttentionMovieName", always("")},
              {"ToolTip",
-              [this] {
+              [&content] {
                   return g_variant_new("(s@a(iiay)ss)", "", noPictures(), content.toolTip.c_str(),
                                        "");
               }},
-             {"XAyatanaLabel", [this] { return text(content.title); }},
+             {"XAyatanaLabel", [&content] { return text(content.title); }},
              {"ItemIsMenu", [] { return g_variant_new_boolean(FALSE); }},
              {"Menu", [] { return g_variant_new_object_path(DBusMenu::path); }}}};
-}
-
-/// Each pixel as its bytes from alpha to blue.
-GVariant* StatusNotifierItem::pictures() const {
-    GVariantBuilder list;
-    g_variant_builder_init(&list, G_VARIANT_TYPE("a(iiay)"));
-    for (const IconImage& icon : content.icons) {
-        std::vector<std::uint32_t> bytes = icon.pixels;
-        for (std::uint32_t& pixel : bytes) pixel = GUINT32_TO_BE(pixel);
-        g_variant_builder_add(
-            &list, "(ii@ay)", icon.size, icon.size,
-            g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.data(), bytes.size() * 4, 1));
-    }
-    return g_variant_builder_end(&list);
 }
 
 void StatusNotifierItem::watcherAppeared(const char* owner) {
@@ -236,17 +236,17 @@ void StatusNotifierItem::askForHosts() {
             auto* const item = static_cast<StatusNotifierItem*>(self);
             item->isAsking = false;
             if (item->asksAgain) return item->askForHosts();
-            bool isHostedNow = false;
-            if (answer) {
-                GVariant* inner = nullptr;
-                g_variant_get(answer.get(), "(v)", &inner);
-                const OwnedVariant value(inner);
-                isHostedNow = g_variant_is_of_type(inner, G_VARIANT_TYPE_BOOLEAN) != FALSE &&
-                              g_variant_get_boolean(inner) != FALSE;
-            }
-            item->setHosted(isHostedNow);
+            item->setHosted(answer && saysHosted(answer.get()));
         },
         this);
+}
+
+bool StatusNotifierItem::saysHosted(GVariant* answer) {
+    GVariant* inner = nullptr;
+    g_variant_get(answer, "(v)", &inner);
+    const OwnedVariant value(inner);
+    return g_variant_is_of_type(inner, G_VARIANT_TYPE_BOOLEAN) != FALSE &&
+           g_variant_get_boolean(inner) != FALSE;
 }
 
 void StatusNotifierItem::setHosted(bool isHostedNow) {

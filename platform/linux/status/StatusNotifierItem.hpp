@@ -32,6 +32,13 @@ public:
         std::function<void()> changed;
     };
 
+    /// What panels may ask the item for. The content outlives it.
+    static ExportedObject::Description description(
+        const StatusItemContent& content, std::function<void(StatusItemEvent::Type)> clicked);
+
+    /// Whether the answer of a watcher, of type (v), says that a panel shows such items.
+    static bool saysHosted(GVariant* answer);
+
     /// All that is named here outlives the item.
     StatusNotifierItem(GDBusConnection* connection, RunLoop& runLoop,
                        const StatusItemContent& content, Handlers handlers);
@@ -50,7 +57,6 @@ public:
     void menuChanged() { menu.update(); }
 
 private:
-    ExportedObject::Description description();
     void watcherAppeared(const char* owner);
     void watcherVanished();
     void hostsChanged();
@@ -58,11 +64,9 @@ private:
     void registered(bool accepted);
     void askForHosts();
     void setHosted(bool isHostedNow);
-    GVariant* pictures() const;
 
     GDBusConnection* connection;
     RunLoop& runLoop;
-    const StatusItemContent& content;
     Handlers handlers;
     std::string busName;
     ObjectRef<GCancellable> calls;
