@@ -10,7 +10,7 @@ JOBS ?= $(shell nproc)
 TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
 CTEST := --output-on-failure --no-tests=error --progress
 
-.PHONY: run test deps build install deb test-package bench matrix check format clean tour pictures
+.PHONY: run test deps build install deb test-package bench fuzz matrix check format clean tour pictures
 
 # Builds and starts the program on this desktop; where there is none, on a private one of its own,
 # where it walks through what the program does.
@@ -82,6 +82,14 @@ bench:
 	@cmake --preset release -DQUORVEL_BENCHMARKS=ON >/dev/null
 	@cmake --build $(RELEASE) --target Quorvel quorvel-bench quorvel-bench-floor quorvel-bench-interface -j $(JOBS)
 	@scripts/bench
+
+# Each fuzzer, or those that FUZZERS names, for FUZZ_SECONDS; scripts/fuzz says what is left where.
+FUZZ_SECONDS ?= 60
+fuzz:
+	@scripts/install-packages build analysis
+	@cmake --preset fuzz >/dev/null
+	@cmake --build build/fuzz --target fuzzers -j $(JOBS)
+	@scripts/fuzz $(FUZZ_SECONDS) $(FUZZERS)
 
 # Every state of the settings, light and dark, in build/pictures/settings.
 pictures:
