@@ -85,9 +85,9 @@ void checkAgainstLibrary(std::string_view text, const std::optional<DesktopEntry
     // Nothing where the library finds fault with an escape, even if it gives what it has got.
     const auto textOf = [&](const char* key) -> std::optional<std::string> {
         GError* error = nullptr;
-        const native::OwnedText text(g_key_file_get_string(file.get(), group, key, &error));
+        const native::OwnedText value(g_key_file_get_string(file.get(), group, key, &error));
         const native::OwnedError owner(error);
-        return text && error == nullptr ? std::optional<std::string>(text.get()) : std::nullopt;
+        return value && error == nullptr ? std::optional<std::string>(value.get()) : std::nullopt;
     };
     const auto isSame = [&](const char* key, const std::string& ours) {
         const auto theirs = textOf(key);

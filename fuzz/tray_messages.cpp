@@ -97,7 +97,8 @@ public:
     void refuse(std::string_view text) { refusal = std::string(text); }
 
     void call(std::string_view name, std::string_view arguments) {
-        const auto [object, method] = fuzz::cut(name, '.');
+        // A name that comes from a bus has no zeros.
+        const auto [object, method] = fuzz::cut(name.substr(0, name.find('\0')), '.');
         if (object == "menu") callMenu(std::string(method), arguments);
         if (object == "item") {
             answer(item, std::string(method), arguments);
