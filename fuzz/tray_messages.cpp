@@ -66,7 +66,7 @@ void failOnComplaint(const gchar* domain, GLogLevelFlags level, const gchar* mes
     std::abort();
 }
 
-/// The three objects as they are on a bus, without one.
+/// The objects as they are on a bus, without one.
 class Objects {
 public:
     Objects() {
@@ -105,11 +105,16 @@ public:
             require(clicks <= 1);
             clicks = 0;
         }
+        if (object == "application") {
+            requests.clear();
+            answer(application, std::string(method), arguments);
+            require(requests.size() <= 1 && (requests.empty() || requests.front() == "settings"));
+        }
         if (object == "control") callControl(std::string(method), arguments);
     }
 
     void readProperties() const {
-        for (const ExportedObject* object : {&menu.exported(), &item, &control}) {
+        for (const ExportedObject* object : {&menu.exported(), &item, &control, &application}) {
             GDBusPropertyInfo** property = object->interface().properties;
             for (; property != nullptr && *property != nullptr; ++property) {
                 const OwnedVariant value = object->property((*property)->name);
@@ -257,7 +262,10 @@ private:
     DBusMenu menu{nullptr, [this] { return entriesNow(); }};
     ExportedObject item{nullptr, StatusNotifierItem::description(
                                      content, [this](StatusItemEvent::Type) { ++clicks; })};
-    ExportedObject control{nullptr, BusControl::description(server)};
+    ExportedObject control{nullptr, BusControl::controlDescription(server)};
+    bool isActivationDue = true;
+    ExportedObject application{nullptr,
+                               BusControl::applicationDescription(server, isActivationDue)};
 };
 
 }  // namespace
