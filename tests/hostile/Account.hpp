@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <iosfwd>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace quorvel::test {
+
+/// What was done and what came of it.
+class Account {
+public:
+    /// `live` gets each line of the story at once; null for none.
+    explicit Account(std::ostream* live) : live(live) {}
+
+    void did(const std::string& deed, const std::string& how);
+    /// Told, but not counted.
+    void note(const std::string& text);
+    /// Could not be done as things stood.
+    void skipped(const std::string& deed) { ++skips[deed]; }
+    /// A fault of the rig or of a program that is not under test. Told, and no loss.
+    void trouble(const std::string& what);
+    void lost(const std::string& what);
+
+    const std::vector<std::string>& losses() const { return lossList; }
+    void printTable(std::ostream& out) const;
+    void printStory(std::ostream& out) const;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::ostream* live;
+    Clock::time_point begin = Clock::now();
+    std::map<std::string, int> counts;
+    std::map<std::string, int> skips;
+    std::vector<std::string> troubles;
+    std::vector<std::string> lossList;
+    std::deque<std::string> story;
+};
+
+}  // namespace quorvel::test
