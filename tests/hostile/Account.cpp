@@ -1,6 +1,8 @@
 #include "tests/hostile/Account.hpp"
 
+#include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <iomanip>
 #include <ostream>
 
@@ -12,9 +14,14 @@ constexpr std::size_t storyLength = 50;
 }  // namespace
 
 void Account::note(const std::string& text) {
-    const std::chrono::duration<double> passed = Clock::now() - begin;
-    char time[32];
-    std::snprintf(time, sizeof time, "%8.3f  ", passed.count());
+    // As the program's log gives it.
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const std::time_t seconds = std::chrono::duration_cast<std::chrono::seconds>(now).count();
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+    char clock[32];
+    std::strftime(clock, sizeof clock, "%H:%M:%S", std::localtime(&seconds));
+    char time[64];
+    std::snprintf(time, sizeof time, "%s.%03d  ", clock, static_cast<int>(milliseconds % 1000));
     story.push_back(time + text);
     if (live) *live << story.back() << std::endl;
     if (story.size() > storyLength) story.pop_front();

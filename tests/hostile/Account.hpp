@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <deque>
 #include <iosfwd>
 #include <map>
@@ -29,10 +28,7 @@ public:
     void printStory(std::ostream& out) const;
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     std::ostream* live;
-    Clock::time_point begin = Clock::now();
     std::map<std::string, int> counts;
     std::map<std::string, int> skips;
     std::vector<std::string> troubles;

@@ -311,7 +311,7 @@ void Desk::tellLosses(Reach::Terms terms, const std::string& when) {
         account.lost(reach.describe(window) + ": " + reach.complaint(window, shown, terms) + ", " +
                      when + ", " + nameOf(*lastManager) + ", displays " +
                      testing::PrintToString(shown));
-        reach.forget(window);
+        reach.giveUp(window);
     }
 }
 

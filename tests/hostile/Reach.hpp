@@ -17,7 +17,8 @@ public:
     /// Remembers every managed window of the applications: from then on it counts.
     void look();
     const std::set<xcb_window_t>& windows() const { return known; }
-    void forget(xcb_window_t window) { known.erase(window); }
+    /// As long as it exists it is not told again.
+    void giveUp(xcb_window_t window) { givenUp.insert(window); }
 
     enum class Terms {
         running,  ///< what the program keeps away, and will bring back, is in reach
@@ -42,6 +43,7 @@ private:
     const XProbe& probe;
     std::set<std::string> classes;
     std::set<xcb_window_t> known;
+    std::set<xcb_window_t> givenUp;
 };
 
 }  // namespace quorvel::test

@@ -33,6 +33,7 @@ struct Options {
 /// How many deeds come between two looks at all windows.
 constexpr int deedsBetweenLooks = 8;
 constexpr int mostLinesInOneSecond = 150;
+constexpr std::size_t endOfLog = 8000;
 
 const Deed& drawDeed(Random& random) {
     int total = 0;
@@ -48,6 +49,7 @@ const Deed& drawDeed(Random& random) {
 void spend(Desk& desk, Account& account, const Options& options) {
     const auto begin = std::chrono::steady_clock::now();
     const std::chrono::seconds length(options.seconds);
+    int sinceLook = 0;
     for (std::uint32_t number = 0;; ++number) {
         const auto passed = std::chrono::steady_clock::now() - begin;
         if (passed >= length) return;
@@ -65,9 +67,9 @@ void spend(Desk& desk, Account& account, const Options& options) {
             }
             desk.reach.look();
             desk.watchProgram();
-            if (number % deedsBetweenLooks == deedsBetweenLooks - 1) {
-                desk.settle(Reach::Terms::running);
-            }
+            if (++sinceLook < deedsBetweenLooks) continue;
+            sinceLook = 0;
+            desk.settle(Reach::Terms::running);
         } catch (const std::exception& failure) {
             account.trouble(deed.name + ": " + failure.what());
         }
@@ -117,6 +119,9 @@ int run(const Options& options) {
     if (account.losses().empty()) return 0;
     std::cout << "\nThe last deeds:\n";
     account.printStory(std::cout);
+    std::cout << "\nThe end of its log:\n";
+    const std::string text = ProgramOnX::contentOf(desk.program.logFile);
+    std::cout << text.substr(text.size() - std::min(text.size(), endOfLog));
     std::cout << "\nTo see it again: --seed " << options.seed << "\n";
     return 1;
 }
