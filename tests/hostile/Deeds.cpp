@@ -9,9 +9,9 @@ namespace {
 
 using Done = std::optional<std::string>;
 
-const std::vector<WindowManagerKind> replaceable{WindowManagerKind::openbox,
-                                                 WindowManagerKind::xfwm4, WindowManagerKind::kwin,
-                                                 WindowManagerKind::marco};
+// Not i3: while one window fills its screen it shows none of the others, whoever asks for them.
+const std::vector<WindowManagerKind> managers{WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                              WindowManagerKind::kwin, WindowManagerKind::marco};
 
 std::string text(int number) {
     return std::to_string(number);
@@ -135,7 +135,7 @@ Done drag(Desk& desk, Random& random) {
 }
 
 Done restartWindowManager(Desk& desk, Random& random) {
-    const auto kind = oneOf(random, allWindowManagers());
+    const auto kind = oneOf(random, managers);
     const bool isOrderly = pick(random, 0, 1) == 0;
     if (desk.hasWindowManager()) desk.stopWindowManager(isOrderly ? SIGTERM : SIGKILL);
     linger(random, 400);
@@ -144,7 +144,7 @@ Done restartWindowManager(Desk& desk, Random& random) {
 }
 
 Done replaceWindowManager(Desk& desk, Random& random) {
-    const auto kind = oneOf(random, replaceable);
+    const auto kind = oneOf(random, managers);
     if (!desk.hasWindowManager()) return std::nullopt;
     desk.replaceWindowManager(kind);
     return "by " + nameOf(kind);

@@ -294,6 +294,11 @@ void Desk::watchProgram() {
 void Desk::terminateProgram() {
     if (!isWithProgram) return;
     watchProgram();
+    reach.look();
+    std::vector<xcb_window_t> held;
+    for (const xcb_window_t window : reach.windows()) {
+        if (reach.isHeld(window)) held.push_back(window);
+    }
     shouldRun = false;
     program.sendTerminate();
     const auto status = program.waitForEnd(15s);
@@ -304,6 +309,13 @@ void Desk::terminateProgram() {
         account.lost("the program ended by " + howItEnded(*status) + " when asked to");
     }
     settle(Reach::Terms::ended);
+    // No loss: it may never have been wholly on a display, or that has gone.
+    for (const xcb_window_t window : held) {
+        if (!program.probe().isViewable(window) || program.probe().isIconic(window)) continue;
+        if (reach.isWhole(window, shown)) continue;
+        account.trouble("came back only in part: " + reach.describe(window) + ", " +
+                        nameOf(*lastManager));
+    }
 }
 
 void Desk::tellLosses(Reach::Terms terms, const std::string& when) {
