@@ -32,6 +32,10 @@ void Account::did(const std::string& deed, const std::string& how) {
     note(how.empty() ? deed : deed + ": " + how);
 }
 
+void Account::hear(const std::string& line) const {
+    if (live) *live << "    | " << line << std::endl;
+}
+
 void Account::trouble(const std::string& what) {
     troubles.push_back(what);
     note("TROUBLE " + what);
@@ -40,6 +44,11 @@ void Account::trouble(const std::string& what) {
 void Account::lost(const std::string& what) {
     lossList.push_back(what);
     note("LOST " + what);
+}
+
+void Account::lostByOthers(const std::string& manager, const std::string& what) {
+    ++lossesOfOthers[manager];
+    note("LOST BY " + manager + " " + what);
 }
 
 void Account::printTable(std::ostream& out) const {
@@ -54,6 +63,10 @@ void Account::printTable(std::ostream& out) const {
     out << std::setw(6) << total << "  in all\n";
     for (const std::string& trouble : troubles) out << "trouble: " << trouble << "\n";
     for (const std::string& loss : lossList) out << "LOST: " << loss << "\n";
+    for (const auto& [manager, count] : lossesOfOthers) {
+        out << "lost by " << manager << ": " << count
+            << " that the program had not touched since it began\n";
+    }
     out << "lost: " << lossList.size() << "\n";
 }
 

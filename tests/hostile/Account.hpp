@@ -17,11 +17,15 @@ public:
     void did(const std::string& deed, const std::string& how);
     /// Told, but not counted.
     void note(const std::string& text);
+    /// What the program has logged; told at once or never.
+    void hear(const std::string& line) const;
     /// Could not be done as things stood.
     void skipped(const std::string& deed) { ++skips[deed]; }
     /// A fault of the rig or of a program that is not under test. Told, and no loss.
     void trouble(const std::string& what);
     void lost(const std::string& what);
+    /// Lost, but by this window manager and not by the program.
+    void lostByOthers(const std::string& manager, const std::string& what);
 
     const std::vector<std::string>& losses() const { return lossList; }
     void printTable(std::ostream& out) const;
@@ -33,6 +37,7 @@ private:
     std::map<std::string, int> skips;
     std::vector<std::string> troubles;
     std::vector<std::string> lossList;
+    std::map<std::string, int> lossesOfOthers;
     std::deque<std::string> story;
 };
 

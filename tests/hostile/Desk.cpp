@@ -45,8 +45,10 @@ const std::vector<Arrangement>& allArrangements() {
 }
 
 Desk::Desk(Account& account, bool withProgram)
-    : reach(program.probe(), {"Quorvel-test-notes", "Quorvel-test-tasks", "Quorvel-test-files",
-                              terminalClass, "Gedit"}),
+    : reach(program.probe(), program.session.displayName(),
+            {"Quorvel-test-notes", "Quorvel-test-tasks", "Quorvel-test-files", terminalClass,
+             "Gedit"},
+            shown),
       account(account),
       isWithProgram(withProgram) {
     const auto toy = [&](const char* name, const char* shortcut, const Rect& area) {
@@ -196,6 +198,7 @@ bool Desk::hasWindowManager() const {
 
 void Desk::stopWindowManager(int number) {
     reach.look();
+    reach.managerChanges();
     if (number == SIGTERM) {
         program.session.windowManager()->signal(SIGTERM);
         waitUntil([&] { return !hasWindowManager(); }, 3s);
@@ -207,6 +210,7 @@ void Desk::startWindowManager(WindowManagerKind kind) {
     // Some do not start without it.
     startBus();
     program.session.stopWindowManager();
+    reach.managerChanges();
     lastManager = kind;
     program.session.startWindowManager(kind);
 }
@@ -214,6 +218,7 @@ void Desk::startWindowManager(WindowManagerKind kind) {
 void Desk::replaceWindowManager(WindowManagerKind kind) {
     startBus();
     reach.look();
+    reach.managerChanges();
     lastManager = kind;
     program.session.replaceWindowManager(kind);
 }
@@ -291,13 +296,21 @@ void Desk::watchProgram() {
     startProgram();
 }
 
+void Desk::hearProgram() {
+    std::ifstream log(program.logFile, std::ios::binary);
+    log.seekg(heard);
+    for (std::string line; std::getline(log, line) && !log.eof(); heard = log.tellg()) {
+        account.hear(line);
+    }
+}
+
 void Desk::terminateProgram() {
     if (!isWithProgram) return;
     watchProgram();
     reach.look();
-    std::vector<xcb_window_t> held;
+    std::map<xcb_window_t, std::optional<Rect>> held;
     for (const xcb_window_t window : reach.windows()) {
-        if (reach.isHeld(window)) held.push_back(window);
+        if (reach.isHeld(window)) held.emplace(window, reach.homeOf(window));
     }
     shouldRun = false;
     program.sendTerminate();
@@ -309,20 +322,29 @@ void Desk::terminateProgram() {
         account.lost("the program ended by " + howItEnded(*status) + " when asked to");
     }
     settle(Reach::Terms::ended);
-    // No loss: it may never have been wholly on a display, or that has gone.
-    for (const xcb_window_t window : held) {
+    for (const auto& [window, home] : held) {
         if (!program.probe().isViewable(window) || program.probe().isIconic(window)) continue;
-        if (reach.isWhole(window, shown)) continue;
-        account.trouble("came back only in part: " + reach.describe(window) + ", " +
-                        nameOf(*lastManager));
+        // Somebody may have dragged it over an edge before it was put away.
+        const auto isBack = [&, each = window, &where = home] {
+            return reach.isWhole(each) || (where && program.seen(each) == *where);
+        };
+        if (waitUntil(isBack, settling)) continue;
+        account.lost("came back only in part: " + reach.describe(window) +
+                     (home ? ", belongs to " + testing::PrintToString(*home) : "") + ", " +
+                     nameOf(*lastManager) + ", displays " + testing::PrintToString(shown));
     }
 }
 
 void Desk::tellLosses(Reach::Terms terms, const std::string& when) {
-    for (const xcb_window_t window : reach.outOfReach(shown, terms)) {
-        account.lost(reach.describe(window) + ": " + reach.complaint(window, shown, terms) + ", " +
-                     when + ", " + nameOf(*lastManager) + ", displays " +
-                     testing::PrintToString(shown));
+    for (const xcb_window_t window : reach.outOfReach(terms)) {
+        const std::string what = reach.describe(window) + ": " + reach.complaint(window, terms) +
+                                 ", " + when + ", " + nameOf(*lastManager) + ", displays " +
+                                 testing::PrintToString(shown);
+        if (reach.isUntouched(window)) {
+            account.lostByOthers(nameOf(*lastManager), what);
+        } else {
+            account.lost(what);
+        }
         reach.giveUp(window);
     }
 }
@@ -336,7 +358,7 @@ void Desk::settle(Reach::Terms terms) {
     if (shown.empty()) arrange(allArrangements().front());
     if (!hasWindowManager()) startWindowManager(*lastManager);
     watchProgram();
-    if (waitUntil([&] { return reach.outOfReach(shown, terms).empty(); }, settling)) return;
+    if (waitUntil([&] { return reach.outOfReach(terms).empty(); }, settling)) return;
     tellLosses(terms, terms == Reach::Terms::ended ? "after an end" : "while it runs");
 }
 

@@ -79,6 +79,8 @@ public:
     void terminateProgram();
     /// A look at whether it lives, as it should.
     void watchProgram();
+    /// What it has logged since the last time.
+    void hearProgram();
 
     /// Everything runs and answers again; then counts what is out of reach and stays so.
     void settle(Reach::Terms terms);
@@ -94,6 +96,7 @@ private:
     void signal(const Application& application, int number) const;
 
     Account& account;
+    std::streamoff heard = 0;
     bool isWithProgram;
     bool shouldRun = false;
     bool busRuns = true;

@@ -6,8 +6,7 @@
 namespace quorvel::test {
 namespace {
 
-// Xfwm4 by itself lets 29 stand of a window whose display has gone.
-constexpr double usableWidth = 28;
+constexpr double usableWidth = 40;
 constexpr double usableHeight = 20;
 
 }  // namespace
@@ -20,13 +19,47 @@ std::string Reach::classOf(xcb_window_t window) const {
 }
 
 void Reach::look() {
+    listen();
     // Identifiers come back with other windows.
     const auto isGone = [this](xcb_window_t each) { return !probe.exists(each) || !isOurs(each); };
-    std::erase_if(known, isGone);
+    std::erase_if(known, [&](const auto& each) { return isGone(each.first); });
     std::erase_if(givenUp, isGone);
     for (const xcb_window_t window : probe.clientList()) {
-        if (isOurs(window)) known.insert(window);
+        if (!isOurs(window) || !known.try_emplace(window).second) continue;
+        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_change_window_attributes(ear.xcb(), window, XCB_CW_EVENT_MASK, &mask);
     }
+    ear.sync();
+    for (auto& [window, since] : known) {
+        if (isHeld(window)) {
+            since.noted = generation;
+        } else if (complaint(window, Terms::ended).empty()) {
+            since.inReach = generation;
+        }
+    }
+}
+
+void Reach::listen() {
+    while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(ear.xcb())}) {
+        if ((event->response_type & 0x7F) != XCB_PROPERTY_NOTIFY) continue;
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
+        const auto window = known.find(change.window);
+        const bool isNote =
+            change.atom == ear.atom("_QUORVEL_HELD") || change.atom == ear.atom("_QUORVEL_HIDDEN");
+        if (isNote && window != known.end()) window->second.noted = generation;
+    }
+}
+
+std::vector<xcb_window_t> Reach::windows() const {
+    std::vector<xcb_window_t> result;
+    for (const auto& [window, since] : known) result.push_back(window);
+    return result;
+}
+
+bool Reach::isUntouched(xcb_window_t window) const {
+    const auto found = known.find(window);
+    return found != known.end() && found->second.inReach == generation &&
+           found->second.noted != generation;
 }
 
 bool Reach::isHeld(xcb_window_t window) const {
@@ -43,15 +76,40 @@ bool Reach::isOnAnotherWorkspace(xcb_window_t window) const {
     return !current.empty() && !its.empty() && its[0] != everywhere && its[0] != current[0];
 }
 
-bool Reach::isWhole(xcb_window_t window, const std::vector<Rect>& displays) const {
-    const Rect seen = probe.visibleFrame(window).value_or(Rect{});
-    return std::any_of(displays.begin(), displays.end(), [&](const Rect& display) {
-        return seen.intersection(display) == seen && !seen.isEmpty();
+bool Reach::isBehindFullscreen(xcb_window_t window) const {
+    const auto clients = probe.clientList();
+    return std::any_of(clients.begin(), clients.end(), [&](xcb_window_t other) {
+        const auto states = probe.netWmState(other);
+        return other != window && probe.isViewable(other) &&
+               std::find(states.begin(), states.end(), "_NET_WM_STATE_FULLSCREEN") != states.end();
     });
 }
 
-std::string Reach::complaint(xcb_window_t window, const std::vector<Rect>& displays,
-                             Terms terms) const {
+std::optional<Rect> Reach::homeOf(xcb_window_t window) const {
+    const auto note = probe.connection().property32(window, "_QUORVEL_HELD");
+    if (note.size() < 6) return std::nullopt;
+    const auto at = [&](std::size_t i) { return double(static_cast<std::int32_t>(note[i])); };
+    return Rect{at(2), at(3), at(4), at(5)};
+}
+
+bool Reach::isWhole(xcb_window_t window) const {
+    const Rect seen = probe.visibleFrame(window).value_or(Rect{});
+    return std::any_of(displays.begin(), displays.end(), [&](const Rect& display) {
+        const Rect part = seen.intersection(display);
+        return !seen.isEmpty() && part.width >= std::min(seen.width, display.width) &&
+               part.height >= std::min(seen.height, display.height);
+    });
+}
+
+bool Reach::showsUsablePart(const Rect& frame) const {
+    return std::any_of(displays.begin(), displays.end(), [&](const Rect& display) {
+        const Rect part = frame.intersection(display);
+        return part.width >= std::min(usableWidth, frame.width) &&
+               part.height >= std::min(usableHeight, frame.height);
+    });
+}
+
+std::string Reach::complaint(xcb_window_t window, Terms terms) const {
     if (!probe.exists(window) || !isOurs(window)) return {};
     if (terms == Terms::running && isHeld(window)) return {};
     if (terms == Terms::ended && !probe.connection().property32(window, "_QUORVEL_HELD").empty()) {
@@ -63,24 +121,18 @@ std::string Reach::complaint(xcb_window_t window, const std::vector<Rect>& displ
     if (!isManaged && state.value_or(0) == 0 && !probe.isViewable(window)) return {};
     if (!isManaged) return "is not managed";
     if (state == 3U || isOnAnotherWorkspace(window)) return {};
-    if (!probe.isViewable(window)) return "is neither shown nor iconic";
-    const auto seen = probe.visibleFrame(window);
-    if (!seen) return {};
-    for (const Rect& display : displays) {
-        const Rect part = seen->intersection(display);
-        if (part.width >= std::min(usableWidth, seen->width) &&
-            part.height >= std::min(usableHeight, seen->height)) {
-            return {};
-        }
+    if (!probe.isViewable(window)) {
+        return isBehindFullscreen(window) ? "" : "is neither shown nor iconic";
     }
-    return "is off every display";
+    const auto seen = probe.visibleFrame(window);
+    return !seen || showsUsablePart(*seen) ? "" : "is off every display";
 }
 
-std::vector<xcb_window_t> Reach::outOfReach(const std::vector<Rect>& displays, Terms terms) {
+std::vector<xcb_window_t> Reach::outOfReach(Terms terms) {
     look();
     std::vector<xcb_window_t> result;
-    for (const xcb_window_t window : known) {
-        if (!givenUp.contains(window) && !complaint(window, displays, terms).empty())
+    for (const auto& [window, since] : known) {
+        if (!givenUp.contains(window) && !complaint(window, terms).empty())
             result.push_back(window);
     }
     return result;

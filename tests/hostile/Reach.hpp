@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,38 +13,61 @@ namespace quorvel::test {
 /// Whether the user can still get at every window of some applications.
 class Reach {
 public:
-    Reach(const XProbe& probe, std::set<std::string> classes)
-        : probe(probe), classes(std::move(classes)) {}
+    /// `displays` are those of the moment, for as long as this lives.
+    Reach(const XProbe& probe, const std::string& displayName, std::set<std::string> classes,
+          const std::vector<Rect>& displays)
+        : probe(probe), ear(displayName), classes(std::move(classes)), displays(displays) {}
 
     /// Remembers every managed window of the applications: from then on it counts.
     void look();
-    const std::set<xcb_window_t>& windows() const { return known; }
+    std::vector<xcb_window_t> windows() const;
     /// As long as it exists it is not told again.
     void giveUp(xcb_window_t window) { givenUp.insert(window); }
+
+    /// Another window manager is about to run, or none.
+    void managerChanges() { ++generation; }
+    /// The window manager that runs has had this window within reach, and the program has left no
+    /// note on it since that one began: whatever has become of it is not the program's doing.
+    bool isUntouched(xcb_window_t window) const;
 
     enum class Terms {
         running,  ///< what the program keeps away, and will bring back, is in reach
         ended,    ///< nothing is kept away by anybody
     };
-    /// Why the user cannot get at the window, on these displays; empty when all is well. In reach
-    /// is what shows a usable part on a display, is iconic, or waits on another workspace.
-    std::string complaint(xcb_window_t window, const std::vector<Rect>& displays,
-                          Terms terms) const;
-    std::vector<xcb_window_t> outOfReach(const std::vector<Rect>& displays, Terms terms);
+    /// Why the user cannot get at the window; empty when all is well. In reach is what shows a
+    /// usable part on a display, is iconic, or waits on another workspace or behind a window that
+    /// fills the screen.
+    std::string complaint(xcb_window_t window, Terms terms) const;
+    std::vector<xcb_window_t> outOfReach(Terms terms);
 
     /// The program's notes are on it.
     bool isHeld(xcb_window_t window) const;
-    bool isWhole(xcb_window_t window, const std::vector<Rect>& displays) const;
+    /// Where a held window belongs, as its note says.
+    std::optional<Rect> homeOf(xcb_window_t window) const;
+    /// All of it is on one display, or as much as there is room for.
+    bool isWhole(xcb_window_t window) const;
     std::string describe(xcb_window_t window) const;
     std::string classOf(xcb_window_t window) const;
 
 private:
+    /// Of the window managers since which something has been so.
+    struct Since {
+        std::optional<int> inReach;
+        std::optional<int> noted;
+    };
+
     bool isOurs(xcb_window_t window) const { return classes.contains(classOf(window)); }
     bool isOnAnotherWorkspace(xcb_window_t window) const;
+    bool isBehindFullscreen(xcb_window_t window) const;
+    bool showsUsablePart(const Rect& frame) const;
+    void listen();
 
     const XProbe& probe;
+    XClient ear;  ///< hears of the notes
     std::set<std::string> classes;
-    std::set<xcb_window_t> known;
+    const std::vector<Rect>& displays;
+    int generation = 0;
+    std::map<xcb_window_t, Since> known;
     std::set<xcb_window_t> givenUp;
 };
 

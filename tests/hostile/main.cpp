@@ -7,7 +7,7 @@
 //
 //   --seed     which day; what happens is the same again, though not to the millisecond
 //   --without  the same day without the program, to see what window managers lose by themselves
-//   --tell     each deed at once
+//   --tell     each deed at once, and what the program logs
 //
 // Exit status 1 when something was lost.
 
@@ -67,6 +67,7 @@ void spend(Desk& desk, Account& account, const Options& options) {
             }
             desk.reach.look();
             desk.watchProgram();
+            desk.hearProgram();
             if (++sinceLook < deedsBetweenLooks) continue;
             sinceLook = 0;
             desk.settle(Reach::Terms::running);
