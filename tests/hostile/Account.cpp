@@ -64,8 +64,7 @@ void Account::printTable(std::ostream& out) const {
     for (const std::string& trouble : troubles) out << "trouble: " << trouble << "\n";
     for (const std::string& loss : lossList) out << "LOST: " << loss << "\n";
     for (const auto& [manager, count] : lossesOfOthers) {
-        out << "lost by " << manager << ": " << count
-            << " that the program had not touched since it began\n";
+        out << "lost by " << manager << ": " << count << " that the program had no part in\n";
     }
     out << "lost: " << lossList.size() << "\n";
 }

@@ -30,11 +30,13 @@ void Reach::look() {
         xcb_change_window_attributes(ear.xcb(), window, XCB_CW_EVENT_MASK, &mask);
     }
     ear.sync();
-    for (auto& [window, since] : known) {
+    for (auto& [window, last] : known) {
         if (isHeld(window)) {
-            since.noted = generation;
+            last.noted = generation;
+            last.frameInReach.reset();
         } else if (complaint(window, Terms::ended).empty()) {
-            since.inReach = generation;
+            last.inReach = generation;
+            last.frameInReach = probe.visibleFrame(window);
         }
     }
 }
@@ -46,20 +48,24 @@ void Reach::listen() {
         const auto window = known.find(change.window);
         const bool isNote =
             change.atom == ear.atom("_QUORVEL_HELD") || change.atom == ear.atom("_QUORVEL_HIDDEN");
-        if (isNote && window != known.end()) window->second.noted = generation;
+        if (!isNote || window == known.end()) continue;
+        window->second.noted = generation;
+        window->second.frameInReach.reset();
     }
 }
 
 std::vector<xcb_window_t> Reach::windows() const {
     std::vector<xcb_window_t> result;
-    for (const auto& [window, since] : known) result.push_back(window);
+    for (const auto& [window, last] : known) result.push_back(window);
     return result;
 }
 
 bool Reach::isUntouched(xcb_window_t window) const {
     const auto found = known.find(window);
-    return found != known.end() && found->second.inReach == generation &&
-           found->second.noted != generation;
+    if (found == known.end()) return false;
+    const Last& last = found->second;
+    return (last.inReach == generation && last.noted != generation) ||
+           (last.frameInReach && last.frameInReach == probe.visibleFrame(window));
 }
 
 bool Reach::isHeld(xcb_window_t window) const {
@@ -131,7 +137,7 @@ std::string Reach::complaint(xcb_window_t window, Terms terms) const {
 std::vector<xcb_window_t> Reach::outOfReach(Terms terms) {
     look();
     std::vector<xcb_window_t> result;
-    for (const auto& [window, since] : known) {
+    for (const auto& [window, last] : known) {
         if (!givenUp.contains(window) && !complaint(window, terms).empty())
             result.push_back(window);
     }

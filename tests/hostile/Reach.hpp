@@ -26,8 +26,10 @@ public:
 
     /// Another window manager is about to run, or none.
     void managerChanges() { ++generation; }
-    /// The window manager that runs has had this window within reach, and the program has left no
-    /// note on it since that one began: whatever has become of it is not the program's doing.
+    /// Whatever has become of it is not the program's doing. Either the window manager that runs
+    /// has had this window within reach and the program has left no note on it since that one
+    /// began, or it stands where it stood when it was within reach and has had no note since, and
+    /// its display has gone from under it.
     bool isUntouched(xcb_window_t window) const;
 
     enum class Terms {
@@ -50,10 +52,11 @@ public:
     std::string classOf(xcb_window_t window) const;
 
 private:
-    /// Of the window managers since which something has been so.
-    struct Since {
+    /// When something was last so: under which window manager.
+    struct Last {
         std::optional<int> inReach;
         std::optional<int> noted;
+        std::optional<Rect> frameInReach;  ///< if it has had no note since
     };
 
     bool isOurs(xcb_window_t window) const { return classes.contains(classOf(window)); }
@@ -67,7 +70,7 @@ private:
     std::set<std::string> classes;
     const std::vector<Rect>& displays;
     int generation = 0;
-    std::map<xcb_window_t, Since> known;
+    std::map<xcb_window_t, Last> known;
     std::set<xcb_window_t> givenUp;
 };
 

@@ -1,4 +1,4 @@
-// A window manager that goes away in the middle of a slide.
+// A window manager that goes away in the middle of a slide, or before a window is hidden.
 
 #include <gtest/gtest.h>
 
@@ -35,6 +35,60 @@ TEST_P(ProgramManagerGoneTest, AWindowTuckedMeanwhileIsStillTuckedUnderTheNextOn
 }
 
 INSTANTIATE_TEST_SUITE_P(, ProgramManagerGoneTest, testing::Values(30, 80, 120));
+
+/// Where nobody can iconify it, it is hidden off the screen; the next window manager takes it over
+/// there.
+class HiddenWithoutAManagerTest : public testing::TestWithParam<WindowManagerKind> {
+protected:
+    ProgramWithNotes program{{.server = XServerKind::hotPlug}};
+    xcb_window_t window = XCB_WINDOW_NONE;
+
+    void SetUp() override {
+        window = program.startWithWindow("none");
+        program.settledFrame(window);
+        program.session.windowManager()->kill();
+        ASSERT_TRUE(waitUntil([&] { return program.probe().frameOf(window) == window; }));
+        program.press(program.shortcut);
+        ASSERT_TRUE(waitUntil([&] { return program.seen(window).maxX() <= 0; }));
+    }
+    bool isOnDisplay() {
+        const Rect seen = program.seen(window);
+        return !seen.isEmpty() && seen.x >= 0 && seen.y >= 0 && seen.maxX() <= 1280 &&
+               seen.maxY() <= 800 && program.probe().isViewable(window);
+    }
+    /// Also as the window manager sees it, which looks where its windows are when displays change.
+    void expectItStaysOnDisplay() {
+        ASSERT_TRUE(waitUntil([&] { return isOnDisplay(); }, 5s))
+            << testing::PrintToString(program.seen(window));
+        program.session.server().xrandr(
+            {"--output", "DUMMY1", "--mode", "1280x800", "--pos", "1280x0"});
+        program.session.server().xrandr({"--output", "DUMMY1", "--off"});
+        EXPECT_TRUE(neverWithin(1s, [&] { return !isOnDisplay(); }))
+            << testing::PrintToString(program.seen(window));
+    }
+};
+
+TEST_P(HiddenWithoutAManagerTest, ItIsInReachUnderTheNextOne) {
+    program.session.startWindowManager(GetParam());
+    expectItStaysOnDisplay();
+    EXPECT_EQ(program.terminate(), 0);
+    EXPECT_TRUE(isOnDisplay()) << testing::PrintToString(program.seen(window));
+}
+
+TEST_P(HiddenWithoutAManagerTest, AndKilledMeanwhileTheNextStartBringsItIntoReach) {
+    program.sendSignal(SIGKILL);
+    program.waitForExit();
+    program.session.startWindowManager(GetParam());
+    ASSERT_TRUE(waitUntil([&] { return program.probe().isManaged(window); }));
+    program.start();
+    expectItStaysOnDisplay();
+}
+
+INSTANTIATE_TEST_SUITE_P(, HiddenWithoutAManagerTest,
+                         testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                         WindowManagerKind::kwin, WindowManagerKind::i3,
+                                         WindowManagerKind::marco),
+                         testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace quorvel::test
