@@ -9,9 +9,9 @@ namespace {
 
 using Done = std::optional<std::string>;
 
-// Not i3: while one window fills its screen it shows none of the others, whoever asks for them.
 const std::vector<WindowManagerKind> managers{WindowManagerKind::openbox, WindowManagerKind::xfwm4,
-                                              WindowManagerKind::kwin, WindowManagerKind::marco};
+                                              WindowManagerKind::kwin, WindowManagerKind::marco,
+                                              WindowManagerKind::i3};
 
 std::string text(int number) {
     return std::to_string(number);
@@ -145,7 +145,12 @@ Done restartWindowManager(Desk& desk, Random& random) {
 
 Done replaceWindowManager(Desk& desk, Random& random) {
     const auto kind = oneOf(random, managers);
-    if (!desk.hasWindowManager()) return std::nullopt;
+    // It neither takes over from another one nor gives way to one.
+    constexpr auto stubborn = WindowManagerKind::i3;
+    if (!desk.hasWindowManager() || kind == stubborn ||
+        desk.program.session.windowManager()->kind() == stubborn) {
+        return std::nullopt;
+    }
     desk.replaceWindowManager(kind);
     return "by " + nameOf(kind);
 }

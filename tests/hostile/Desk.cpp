@@ -308,7 +308,7 @@ void Desk::terminateProgram() {
     if (!isWithProgram) return;
     watchProgram();
     reach.look();
-    std::map<xcb_window_t, std::optional<Rect>> held;
+    std::map<xcb_window_t, Rect> held;
     for (const xcb_window_t window : reach.windows()) {
         if (reach.isHeld(window)) held.emplace(window, reach.homeOf(window));
     }
@@ -326,12 +326,12 @@ void Desk::terminateProgram() {
         if (!program.probe().isViewable(window) || program.probe().isIconic(window)) continue;
         // Somebody may have dragged it over an edge before it was put away.
         const auto isBack = [&, each = window, &where = home] {
-            return reach.isWhole(each) || (where && program.seen(each) == *where);
+            return reach.isWhole(each) || reach.isAbout(each, where);
         };
         if (waitUntil(isBack, settling)) continue;
-        account.lost("came back only in part: " + reach.describe(window) +
-                     (home ? ", belongs to " + testing::PrintToString(*home) : "") + ", " +
-                     nameOf(*lastManager) + ", displays " + testing::PrintToString(shown));
+        account.lost("came back only in part: " + reach.describe(window) + ", belongs to " +
+                     testing::PrintToString(home) + ", " + nameOf(*lastManager) + ", displays " +
+                     testing::PrintToString(shown));
     }
 }
 

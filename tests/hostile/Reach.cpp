@@ -1,6 +1,7 @@
 #include "tests/hostile/Reach.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 
 namespace quorvel::test {
@@ -8,6 +9,7 @@ namespace {
 
 constexpr double usableWidth = 40;
 constexpr double usableHeight = 20;
+constexpr double widestDecoration = 40;
 
 }  // namespace
 
@@ -31,10 +33,9 @@ void Reach::look() {
     }
     ear.sync();
     for (auto& [window, last] : known) {
-        if (isHeld(window)) {
-            last.noted = generation;
-            last.frameInReach.reset();
-        } else if (complaint(window, Terms::ended).empty()) {
+        if (isMoved(window)) {
+            last.moved = generation;
+        } else if (!isHeld(window) && complaint(window, Terms::ended).empty()) {
             last.inReach = generation;
             last.frameInReach = probe.visibleFrame(window);
         }
@@ -46,10 +47,8 @@ void Reach::listen() {
         if ((event->response_type & 0x7F) != XCB_PROPERTY_NOTIFY) continue;
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
         const auto window = known.find(change.window);
-        const bool isNote =
-            change.atom == ear.atom("_QUORVEL_HELD") || change.atom == ear.atom("_QUORVEL_HIDDEN");
-        if (!isNote || window == known.end()) continue;
-        window->second.noted = generation;
+        if (window == known.end() || change.atom != ear.atom("_QUORVEL_HELD")) continue;
+        window->second.moved = generation;
         window->second.frameInReach.reset();
     }
 }
@@ -64,14 +63,20 @@ bool Reach::isUntouched(xcb_window_t window) const {
     const auto found = known.find(window);
     if (found == known.end()) return false;
     const Last& last = found->second;
-    return (last.inReach == generation && last.noted != generation) ||
-           (last.frameInReach && last.frameInReach == probe.visibleFrame(window));
+    return (last.inReach == generation && last.moved != generation) ||
+           (last.frameInReach && isAbout(window, *last.frameInReach));
 }
 
 bool Reach::isHeld(xcb_window_t window) const {
     const XClient& x = probe.connection();
     return !x.property32(window, "_QUORVEL_HELD").empty() ||
            !x.property32(window, "_QUORVEL_HIDDEN").empty();
+}
+
+bool Reach::isMoved(xcb_window_t window) const {
+    const XClient& x = probe.connection();
+    const auto hidden = x.property32(window, "_QUORVEL_HIDDEN");
+    return !x.property32(window, "_QUORVEL_HELD").empty() || (!hidden.empty() && hidden.at(2) != 0);
 }
 
 bool Reach::isOnAnotherWorkspace(xcb_window_t window) const {
@@ -91,11 +96,25 @@ bool Reach::isBehindFullscreen(xcb_window_t window) const {
     });
 }
 
-std::optional<Rect> Reach::homeOf(xcb_window_t window) const {
-    const auto note = probe.connection().property32(window, "_QUORVEL_HELD");
-    if (note.size() < 6) return std::nullopt;
-    const auto at = [&](std::size_t i) { return double(static_cast<std::int32_t>(note[i])); };
-    return Rect{at(2), at(3), at(4), at(5)};
+Rect Reach::homeOf(xcb_window_t window) const {
+    const XClient& x = probe.connection();
+    // After its version and the user's identifier.
+    const auto numberOf = [](const std::vector<std::uint32_t>& note, std::size_t index) {
+        return double(static_cast<std::int32_t>(note.at(2 + index)));
+    };
+    const Rect seen = probe.visibleFrame(window).value_or(Rect{});
+    if (const auto note = x.property32(window, "_QUORVEL_HELD"); !note.empty()) {
+        return {numberOf(note, 0), numberOf(note, 1), numberOf(note, 2), numberOf(note, 3)};
+    }
+    const auto note = x.property32(window, "_QUORVEL_HIDDEN");
+    if (note.empty() || note.at(2) == 0) return seen;
+    return {numberOf(note, 1), numberOf(note, 2), seen.width, seen.height};
+}
+
+bool Reach::isAbout(xcb_window_t window, const Rect& place) const {
+    const Rect seen = probe.visibleFrame(window).value_or(Rect{});
+    return std::abs(seen.x - place.x) <= widestDecoration &&
+           std::abs(seen.y - place.y) <= widestDecoration;
 }
 
 bool Reach::isWhole(xcb_window_t window) const {

@@ -27,9 +27,9 @@ public:
     /// Another window manager is about to run, or none.
     void managerChanges() { ++generation; }
     /// Whatever has become of it is not the program's doing. Either the window manager that runs
-    /// has had this window within reach and the program has left no note on it since that one
-    /// began, or it stands where it stood when it was within reach and has had no note since, and
-    /// its display has gone from under it.
+    /// has had this window within reach and the program has not moved it since that one began
+    /// (minimizing moves nothing), or its display has gone from under it: it stands where it stood
+    /// when it was last within reach, and the program has not tucked it since.
     bool isUntouched(xcb_window_t window) const;
 
     enum class Terms {
@@ -44,8 +44,11 @@ public:
 
     /// The program's notes are on it.
     bool isHeld(xcb_window_t window) const;
-    /// Where a held window belongs, as its note says.
-    std::optional<Rect> homeOf(xcb_window_t window) const;
+    /// Where a held window belongs: as the note says when the program has moved it, or where it
+    /// stands.
+    Rect homeOf(xcb_window_t window) const;
+    /// It stands there, but for what another window manager puts around it.
+    bool isAbout(xcb_window_t window, const Rect& place) const;
     /// All of it is on one display, or as much as there is room for.
     bool isWhole(xcb_window_t window) const;
     std::string describe(xcb_window_t window) const;
@@ -55,10 +58,11 @@ private:
     /// When something was last so: under which window manager.
     struct Last {
         std::optional<int> inReach;
-        std::optional<int> noted;
-        std::optional<Rect> frameInReach;  ///< if it has had no note since
+        std::optional<int> moved;          ///< says a note of the program
+        std::optional<Rect> frameInReach;  ///< if it has not been tucked since
     };
 
+    bool isMoved(xcb_window_t window) const;
     bool isOurs(xcb_window_t window) const { return classes.contains(classOf(window)); }
     bool isOnAnotherWorkspace(xcb_window_t window) const;
     bool isBehindFullscreen(xcb_window_t window) const;
