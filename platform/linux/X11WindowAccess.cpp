@@ -80,6 +80,7 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
     const auto question = manager.ask();
     auto now = read(window);
     manager.update(question);
+    if (hold) hold->managerLife = manager.generation();
     const auto given = hold ? hold->given : std::nullopt;
     if (now && (hold || step == MoveStep::final)) now = freed(*now, hold, deadline);
     if (now && hold && hold->given != given) note(*hold);
@@ -163,6 +164,7 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     hold.attemptsLeft = 2;
     // Here already, so that the first frame of the slide is not late.
     manager.update(manager.ask());
+    hold.managerLife = manager.generation();
     if (const auto now = read(window)) {
         hold.client = now->client;
         if (now->states.any() && !hold.given) {
@@ -178,12 +180,16 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     newHolds.notify();
 }
 
-void X11WindowAccess::note(const Hold& hold) {
+HoldNote X11WindowAccess::noteOf(const Hold& hold) {
     const Point origin = axOriginInRoot(displaysInRoot());
     Rect home = hold.originalFrameAX;
     home.x += origin.x;
     home.y += origin.y;
-    notes.write(hold.client, HoldNote{home, hold.given}.content());
+    return {home, hold.given};
+}
+
+void X11WindowAccess::note(const Hold& hold) {
+    notes.write(hold.client, noteOf(hold).content());
 }
 
 int X11WindowAccess::putBackLost() {
@@ -246,8 +252,14 @@ void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {
     if (held == holds.end()) return;
     if (how == EndOfHold::putBack) {
         held->second.comesHome = true;
-    } else {
-        endHold(window);
+        return;
+    }
+    const Hold hold = held->second;
+    endHold(window);
+    // Where another window manager has put it since it is nobody's wish.
+    manager.update(manager.ask());
+    if (hold.client != XCB_WINDOW_NONE && hold.managerLife != manager.generation()) {
+        bringBack(hold.client, noteOf(hold));
     }
 }
 

@@ -59,14 +59,16 @@ private:
         xcb_window_t client = XCB_WINDOW_NONE;
         Rect originalFrameAX;
         std::optional<GivenUpStates> given;
-        bool keepsStates = false;  ///< it is moved past the window manager with its states
-        int attemptsLeft = 0;      ///< to give it the size in which it was seen
-        bool comesHome = false;    ///< the next final step is the last one
+        bool keepsStates = false;       ///< it is moved past the window manager with its states
+        int attemptsLeft = 0;           ///< to give it the size in which it was seen
+        bool comesHome = false;         ///< the next final step is the last one
+        std::uint64_t managerLife = 0;  ///< under which it was moved last
     };
 
     std::optional<WindowReading> read(AXWindow window);
     /// Says on the window itself what it takes to bring it back.
     void note(const Hold& hold);
+    HoldNote noteOf(const Hold& hold);
     bool bringBack(xcb_window_t client, const HoldNote& note);
     void endHold(AXWindow window);
     /// Where it will be when somebody shows it again.

@@ -176,6 +176,10 @@ std::string Reach::describe(xcb_window_t window) const {
         text << "none";
     }
     for (const std::string& state : probe.netWmState(window)) text << " " << state;
+    if (const auto found = known.find(window); found != known.end() && found->second.frameInReach) {
+        const Rect& last = *found->second.frameInReach;
+        text << ", last in reach at (" << last.x << "," << last.y << ")";
+    }
     for (const char* note : {"_QUORVEL_HELD", "_QUORVEL_HIDDEN"}) {
         const auto content = probe.connection().property32(window, note);
         if (content.empty()) continue;

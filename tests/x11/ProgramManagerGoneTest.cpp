@@ -36,6 +36,35 @@ TEST_P(ProgramManagerGoneTest, AWindowTuckedMeanwhileIsStillTuckedUnderTheNextOn
 
 INSTANTIATE_TEST_SUITE_P(, ProgramManagerGoneTest, testing::Values(30, 80, 120));
 
+class TuckedUnderAnotherManagerTest : public testing::TestWithParam<WindowManagerKind> {};
+
+// Each lets another part of it stand on the screen.
+TEST_P(TuckedUnderAnotherManagerTest, AWindowThatItHasPutElsewhereComesHome) {
+    ProgramWithNotes program{{.windowManager = WindowManagerKind::marco}};
+    const xcb_window_t window = program.startWithWindow("left");
+    const Rect home = program.settledFrame(window);
+    program.press(program.shortcut);
+    ASSERT_TRUE(program.waitForFrame(window, ProgramOnX::atLeftEdge(home)));
+    program.session.windowManager()->kill();
+    program.session.startWindowManager(GetParam());
+    // Further away than what counts as drift.
+    program.probe().requestMove(window, 50 - static_cast<int>(home.width), 60);
+    EXPECT_TRUE(
+        program.waitForLine("Quorvel: released a tucked window — moved externally or closed"));
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            const Rect now = program.seen(window);
+            return std::abs(now.x - home.x) < 40 && std::abs(now.y - home.y) < 40;
+        },
+        5s))
+        << testing::PrintToString(program.seen(window));
+}
+
+INSTANTIATE_TEST_SUITE_P(, TuckedUnderAnotherManagerTest,
+                         testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                         WindowManagerKind::kwin),
+                         testing::PrintToStringParamName());
+
 /// Where nobody can iconify it, it is hidden off the screen; the next window manager takes it over
 /// there.
 class HiddenWithoutAManagerTest : public testing::TestWithParam<WindowManagerKind> {
