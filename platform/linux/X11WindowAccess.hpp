@@ -65,12 +65,20 @@ private:
         std::uint64_t managerLife = 0;  ///< under which it was moved last
     };
 
+    /// Let go of while somebody filled the screen with it.
+    struct Filled {
+        HoldNote note;
+        std::optional<Clock::time_point> leftAt;
+    };
+
     std::optional<WindowReading> read(AXWindow window);
     /// Says on the window itself what it takes to bring it back.
     void note(const Hold& hold);
     HoldNote noteOf(const Hold& hold);
     bool bringBack(xcb_window_t client, const HoldNote& note);
     void endHold(AXWindow window);
+    void handle(const xcb_generic_event_t& event);
+    void lookAfterFilled();
     /// Where it will be when somebody shows it again.
     void sendHomeWithdrawn(AXWindow window, Point originAX);
     /// Without a display, as long as there is none, the place of the last one.
@@ -92,8 +100,10 @@ private:
     WindowNotes notes;
     Point lastAxOrigin;
     std::unordered_map<AXWindow, Hold> holds;
+    std::unordered_map<xcb_window_t, Filled> filled;
     Subscribers<> newHolds;
     bool isObserving = false;
+    Subscription events;
 };
 
 }  // namespace quorvel::native

@@ -48,7 +48,7 @@ void Account::lost(const std::string& what) {
 
 void Account::lostByOthers(const std::string& manager, const std::string& what) {
     ++lossesOfOthers[manager];
-    note("LOST BY " + manager + " " + what);
+    note("LOST WITHOUT THE PROGRAM " + what);
 }
 
 void Account::printTable(std::ostream& out) const {
@@ -64,7 +64,8 @@ void Account::printTable(std::ostream& out) const {
     for (const std::string& trouble : troubles) out << "trouble: " << trouble << "\n";
     for (const std::string& loss : lossList) out << "LOST: " << loss << "\n";
     for (const auto& [manager, count] : lossesOfOthers) {
-        out << "lost by " << manager << ": " << count << " that the program had no part in\n";
+        out << "lost without a part of the program in it, under " << manager << ": " << count
+            << "\n";
     }
     out << "lost: " << lossList.size() << "\n";
 }

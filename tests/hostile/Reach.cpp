@@ -63,7 +63,7 @@ bool Reach::isUntouched(xcb_window_t window) const {
     const auto found = known.find(window);
     if (found == known.end()) return false;
     const Last& last = found->second;
-    return (last.inReach == generation && last.moved != generation) ||
+    return (last.inReach && (!last.moved || *last.moved < *last.inReach)) ||
            (last.frameInReach && isAbout(window, *last.frameInReach));
 }
 

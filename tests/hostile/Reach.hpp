@@ -26,10 +26,11 @@ public:
 
     /// Another window manager is about to run, or none.
     void managerChanges() { ++generation; }
-    /// Whatever has become of it is not the program's doing. Either the window manager that runs
-    /// has had this window within reach and the program has not moved it since that one began
-    /// (minimizing moves nothing), or its display has gone from under it: it stands where it stood
-    /// when it was last within reach, and the program has not tucked it since.
+    /// Whatever has become of it is not the program's doing. Either a window manager has had this
+    /// window within reach and the program has not moved it since that one began (minimizing moves
+    /// nothing; Openbox does while it shows how, and killed meanwhile leaves it there), or its
+    /// display has gone from under it: it stands where it stood when it was last within reach, and
+    /// the program has not tucked it since.
     bool isUntouched(xcb_window_t window) const;
 
     enum class Terms {
