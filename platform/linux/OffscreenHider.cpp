@@ -121,7 +121,9 @@ void FrameOverrideHider::frameMoved(const xcb_configure_notify_event_t& change) 
         // What was sent is the window manager's word to the client, not a move.
         if (change.window != place.frame || (change.response_type & 0x80) != 0) continue;
         const Point now{static_cast<double>(change.x), static_cast<double>(change.y)};
-        if (now == place.exile) return;
+        // The echo of a move of ours, and not always of the last one: no window manager puts a
+        // window there.
+        if (now.x + change.width <= 0) return;
         place.home = now;
         if (++place.returns > mostReturns) {
             notes.erase(window);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "tests/x11/ProgramOnX.hpp"
 
 namespace quorvel::test {
@@ -111,6 +113,31 @@ TEST_P(HiddenWithoutAManagerTest, AndKilledMeanwhileTheNextStartBringsItIntoReac
     ASSERT_TRUE(waitUntil([&] { return program.probe().isManaged(window); }));
     program.start();
     expectItStaysOnDisplay();
+}
+
+// As window managers do when displays change.
+TEST(HiddenOffTheScreenTest, MovedTwiceInOneGoItIsBackAtTheSecondPlaceInTheEnd) {
+    ProgramWithNotes program;
+    const xcb_window_t window = program.startWithWindow("none");
+    program.settledFrame(window);
+    program.session.windowManager()->kill();
+    ASSERT_TRUE(waitUntil([&] { return program.probe().frameOf(window) == window; }));
+    program.press(program.shortcut);
+    ASSERT_TRUE(waitUntil([&] { return program.seen(window).maxX() <= 0; }));
+    const XClient& x = program.probe().connection();
+    for (const std::array<std::uint32_t, 2> place :
+         {std::array<std::uint32_t, 2>{200, 100}, {300, 150}}) {
+        xcb_configure_window(x.xcb(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                             place.data());
+    }
+    x.sync();
+    EXPECT_TRUE(waitUntil([&] {
+        const auto note = x.property32(window, "_QUORVEL_HIDDEN");
+        return note.size() == 5 && note[3] == 300 && note[4] == 150;
+    }));
+    EXPECT_TRUE(waitUntil([&] { return program.seen(window).maxX() <= 0; }));
+    EXPECT_EQ(program.terminate(), 0);
+    EXPECT_EQ(program.seen(window).origin(), (Point{300, 150}));
 }
 
 INSTANTIATE_TEST_SUITE_P(, HiddenWithoutAManagerTest,
