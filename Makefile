@@ -10,7 +10,7 @@ JOBS ?= $(shell nproc)
 TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
 CTEST := --output-on-failure --no-tests=error --progress
 
-.PHONY: run test deps build install deb test-package bench fuzz matrix check format clean tour pictures
+.PHONY: run test deps build install deb test-package bench fuzz matrix hostile check format clean tour pictures
 
 # Builds and starts the program on this desktop; where there is none, on a private one of its own,
 # where it walks through what the program does.
@@ -106,6 +106,13 @@ matrix:
 	@$(RELEASE)/quorvel-matrix > build/window-managers.md
 	@mv build/window-managers.md docs/window-managers.md
 	@cat docs/window-managers.md
+
+# Ten minutes in which everything goes wrong that can.
+hostile:
+	@scripts/install-packages build run desktop test matrix
+	@cmake --preset release -DQUORVEL_TESTS=ON >/dev/null
+	@cmake --build $(RELEASE) --target quorvel-hostile-day -j $(JOBS)
+	@$(RELEASE)/quorvel-hostile-day
 
 clean:
 	@rm -rf build

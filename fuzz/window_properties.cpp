@@ -211,7 +211,7 @@ void checkNotes(const Properties& properties) {
     if (const auto content =
             WindowNotes::contentIn(properties["_QUORVEL_HIDDEN"].get(), HiddenNotes::length)) {
         require(content->size() == HiddenNotes::length);
-        require(HiddenNotes::homeIn(*content).has_value() == ((*content)[0] != 0));
+        require(HiddenNotes::movedFrameIn(*content).has_value() == ((*content)[0] != 0));
     }
 }
 

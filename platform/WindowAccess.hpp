@@ -39,8 +39,10 @@ enum class MoveStep {
 };
 
 enum class EndOfHold {
-    putBack,    ///< it is on its way home: the state that was left for it returns on arrival
-    forgotten,  ///< someone else moved or closed it: left as it is
+    putBack,  ///< it is on its way home: the state that was left for it returns on arrival
+    /// Someone else moved or closed it: left as it is, but sent home from where only a window
+    /// manager has put it.
+    forgotten,
 };
 
 /// Reading and moving the windows of other programs. Every call gives up after 0.25 s. A window

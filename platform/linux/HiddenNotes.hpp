@@ -18,26 +18,34 @@ public:
 
     explicit HiddenNotes(XConnection& x) : notes(x, "_QUORVEL_HIDDEN", length) {}
 
-    /// Where its frame belongs, if that is moved off the screen; root coordinates.
-    void write(xcb_window_t window, std::optional<Point> frameHome = std::nullopt) const {
-        const Point home = frameHome.value_or(Point{});
-        notes.write(window, {frameHome ? 1 : 0, static_cast<std::int32_t>(home.x),
-                             static_cast<std::int32_t>(home.y)});
+    /// A frame that is moved off the screen, and where it belongs; root coordinates.
+    struct MovedFrame {
+        xcb_window_t frame = XCB_WINDOW_NONE;
+        Point home;
+    };
+
+    void write(xcb_window_t window) const { write(window, MovedFrame{}); }
+    void write(xcb_window_t window, const MovedFrame& moved) const {
+        notes.write(window, {static_cast<std::int32_t>(moved.frame),
+                             static_cast<std::int32_t>(moved.home.x),
+                             static_cast<std::int32_t>(moved.home.y)});
     }
     void erase(xcb_window_t window) const { notes.erase(window); }
 
-    std::vector<std::pair<xcb_window_t, std::optional<Point>>> all() const {
-        std::vector<std::pair<xcb_window_t, std::optional<Point>>> hidden;
+    /// Without a frame: it was not moved.
+    std::vector<std::pair<xcb_window_t, std::optional<MovedFrame>>> all() const {
+        std::vector<std::pair<xcb_window_t, std::optional<MovedFrame>>> hidden;
         for (const auto& [window, content] : notes.all()) {
-            hidden.emplace_back(window, homeIn(content));
+            hidden.emplace_back(window, movedFrameIn(content));
         }
         return hidden;
     }
 
     /// Of a note of `length` numbers, whatever they are.
-    static std::optional<Point> homeIn(const WindowNotes::Content& content) {
+    static std::optional<MovedFrame> movedFrameIn(const WindowNotes::Content& content) {
         if (content[0] == 0) return std::nullopt;
-        return Point{static_cast<double>(content[1]), static_cast<double>(content[2])};
+        return MovedFrame{static_cast<xcb_window_t>(content[0]),
+                          {static_cast<double>(content[1]), static_cast<double>(content[2])}};
     }
 
 private:

@@ -1,5 +1,7 @@
 #include "platform/linux/OffscreenHider.hpp"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "platform/linux/MoveRequests.hpp"
@@ -9,6 +11,12 @@ namespace {
 
 /// How often a window manager may put a frame back before it has its way.
 constexpr int mostReturns = 50;
+
+/// For how long a new window manager may still put windows where it found them.
+constexpr std::chrono::seconds takeover{5};
+constexpr int mostAttempts = 10;
+constexpr double widestBorder = 32;
+constexpr std::chrono::milliseconds patience{100};
 
 /// Displays never reach left of the root's corner.
 Point exileFor(double width, double y) {
@@ -20,6 +28,7 @@ Point exileFor(double width, double y) {
 FrameOverrideHider::FrameOverrideHider(XConnection& x, WindowManagerInfo& manager,
                                        FrameReader& frames)
     : x(x),
+      manager(manager),
       frames(frames),
       notes(x),
       events(x.onEvent([this](const xcb_generic_event_t& event) { handle(event); })),
@@ -27,6 +36,7 @@ FrameOverrideHider::FrameOverrideHider(XConnection& x, WindowManagerInfo& manage
 
 FrameOverrideHider::~FrameOverrideHider() {
     for (const xcb_window_t window : hidden()) show(window);
+    for (const auto& [window, its] : returning) notes.erase(window);
     x.flush();
 }
 
@@ -40,7 +50,8 @@ bool FrameOverrideHider::hide(xcb_window_t window) {
     place.isOverrideRedirect = reading->frameIsOverrideRedirect;
     place.home = reading->frameArea.origin();
     place.exile = exileFor(reading->frameArea.width, place.home.y);
-    notes.write(window, place.home);
+    notes.write(window, HiddenNotes::MovedFrame{place.frame, place.home});
+    returning.erase(window);
     if (overrideFrame(x, place.frame, place.isOverrideRedirect, place.exile) != 0) return false;
     const auto moved = frames.read(window);
     if (!moved || moved->frameArea.origin() != place.exile) return false;
@@ -53,14 +64,28 @@ void FrameOverrideHider::show(xcb_window_t window) {
     if (found == places.end()) return;
     const Place place = found->second;
     places.erase(found);
-    overrideFrame(x, place.frame, place.isOverrideRedirect, place.home);
+    bringBack(window, {place.frame, place.home});
     notes.erase(window);
 }
 
-bool FrameOverrideHider::bringBack(xcb_window_t window, Point frameHome) {
-    const auto reading = frames.read(window);
-    if (!reading || reading->frameArea.maxX() > 0) return false;
-    return overrideFrame(x, reading->frame, reading->frameIsOverrideRedirect, frameHome) == 0;
+bool FrameOverrideHider::bringBack(xcb_window_t window, const HiddenNotes::MovedFrame& moved) {
+    // Some window managers let a part of it stand on the screen.
+    const auto isBack = [&](const WindowReading& reading) {
+        return reading.frameArea.x >= std::min(0.0, moved.home.x) - widestBorder;
+    };
+    auto reading = frames.read(window);
+    if (!reading || isBack(*reading)) return false;
+    // The window manager that put this frame around it knows no other place than home. One that
+    // took the window over since knows only where it found it, and would put it there again.
+    const bool isKnownAtHome = reading->frame == moved.frame && reading->frame != window;
+    if (manager.isRunning() && !isKnownAtHome) {
+        frames.watch(*reading);
+        sendConfigure(x, window, moved.home);
+        reading = frames.awaitAnswer(window, isBack, Clock::now() + patience);
+        if (!reading) return false;
+        if (isBack(*reading)) return true;
+    }
+    return overrideFrame(x, reading->frame, reading->frameIsOverrideRedirect, moved.home) == 0;
 }
 
 std::vector<xcb_window_t> FrameOverrideHider::hidden() const {
@@ -70,13 +95,21 @@ std::vector<xcb_window_t> FrameOverrideHider::hidden() const {
 }
 
 void FrameOverrideHider::handle(const xcb_generic_event_t& event) {
-    if (places.empty()) return;
+    if (places.empty() && returning.empty()) return;
     switch (event.response_type & 0x7F) {
-        case XCB_DESTROY_NOTIFY:
-            places.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+        case XCB_DESTROY_NOTIFY: {
+            const auto& end = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
+            places.erase(end.window);
+            returning.erase(end.window);
             return;
+        }
         case XCB_CONFIGURE_NOTIFY:
             frameMoved(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
+            lookAfterReturning();
+            return;
+        case XCB_REPARENT_NOTIFY:
+        case XCB_MAP_NOTIFY:
+            lookAfterReturning();
             return;
         default:
             return;
@@ -88,14 +121,16 @@ void FrameOverrideHider::frameMoved(const xcb_configure_notify_event_t& change) 
         // What was sent is the window manager's word to the client, not a move.
         if (change.window != place.frame || (change.response_type & 0x80) != 0) continue;
         const Point now{static_cast<double>(change.x), static_cast<double>(change.y)};
-        if (now == place.exile) return;
+        // The echo of a move of ours, and not always of the last one: no window manager puts a
+        // window there.
+        if (now.x + change.width <= 0) return;
         place.home = now;
         if (++place.returns > mostReturns) {
             notes.erase(window);
             places.erase(window);
             return;
         }
-        notes.write(window, place.home);
+        notes.write(window, HiddenNotes::MovedFrame{place.frame, place.home});
         place.exile = exileFor(change.width + 2.0 * change.border_width, now.y);
         overrideFrame(x, place.frame, place.isOverrideRedirect, place.exile);
         return;
@@ -106,11 +141,22 @@ void FrameOverrideHider::frameMoved(const xcb_configure_notify_event_t& change) 
 /// next one would keep it there.
 void FrameOverrideHider::abandon() {
     for (const auto& [window, place] : std::exchange(places, {})) {
-        const auto reading = frames.read(window);
-        if (reading && reading->frameArea.maxX() <= 0) {
-            overrideFrame(x, reading->frame, reading->frameIsOverrideRedirect, place.home);
-        }
-        notes.erase(window);
+        returning.insert_or_assign(window, Returning{{place.frame, place.home}, {}, 0});
+    }
+    for (auto& [window, its] : returning) its.until = Clock::now() + takeover;
+    lookAfterReturning();
+}
+
+/// It may have found them off the screen before they were back.
+void FrameOverrideHider::lookAfterReturning() {
+    for (auto entry = returning.begin(); entry != returning.end();) {
+        const xcb_window_t window = entry->first;
+        Returning& its = entry->second;
+        if (bringBack(window, its.moved)) ++its.attempts;
+        const bool isOver =
+            (manager.isRunning() && Clock::now() > its.until) || its.attempts > mostAttempts;
+        if (isOver) notes.erase(window);
+        entry = isOver ? returning.erase(entry) : std::next(entry);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <unordered_map>
 #include <vector>
 
@@ -23,7 +24,7 @@ public:
     /// Back to where it belongs. Without effect on one that is not hidden here.
     virtual void show(xcb_window_t window) = 0;
     /// The same for one that an earlier run hid; false when it is not off the screen.
-    virtual bool bringBack(xcb_window_t window, Point frameHome) = 0;
+    virtual bool bringBack(xcb_window_t window, const HiddenNotes::MovedFrame& moved) = 0;
     virtual bool isHidden(xcb_window_t window) const = 0;
     virtual std::vector<xcb_window_t> hidden() const = 0;
 };
@@ -37,11 +38,13 @@ public:
 
     bool hide(xcb_window_t window) override;
     void show(xcb_window_t window) override;
-    bool bringBack(xcb_window_t window, Point frameHome) override;
+    bool bringBack(xcb_window_t window, const HiddenNotes::MovedFrame& moved) override;
     bool isHidden(xcb_window_t window) const override { return places.contains(window); }
     std::vector<xcb_window_t> hidden() const override;
 
 private:
+    using Clock = FrameReader::Clock;
+
     struct Place {
         xcb_window_t frame = XCB_WINDOW_NONE;
         bool isOverrideRedirect = false;
@@ -50,14 +53,24 @@ private:
         int returns = 0;
     };
 
+    /// What was hidden when the window manager changed.
+    struct Returning {
+        HiddenNotes::MovedFrame moved;
+        Clock::time_point until;
+        int attempts = 0;
+    };
+
     void handle(const xcb_generic_event_t& event);
     void frameMoved(const xcb_configure_notify_event_t& change);
     void abandon();
+    void lookAfterReturning();
 
     XConnection& x;
+    WindowManagerInfo& manager;
     FrameReader& frames;
     HiddenNotes notes;
     std::unordered_map<xcb_window_t, Place> places;
+    std::unordered_map<xcb_window_t, Returning> returning;
     Subscription events;
     Subscription managerEvents;
 };

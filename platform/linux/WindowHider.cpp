@@ -104,11 +104,11 @@ void WindowHider::showAndActivate(const std::vector<xcb_window_t>& others, xcb_w
 int WindowHider::showLost() {
     std::vector<xcb_window_t> iconic;
     int count = 0;
-    for (const auto& [window, frameHome] : notes.all()) {
+    for (const auto& [window, moved] : notes.all()) {
         const ClientWindow* client = clients.find(window);
         if (client != nullptr && client->isIconic) {
             iconic.push_back(window);
-        } else if (frameHome && offscreen.bringBack(window, *frameHome)) {
+        } else if (moved && offscreen.bringBack(window, *moved)) {
             ++count;
         }
         notes.erase(window);

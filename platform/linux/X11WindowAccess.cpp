@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "platform/linux/DisplayGeometry.hpp"
@@ -16,6 +17,9 @@ constexpr std::int32_t refused = -1;
 constexpr auto callLimit = std::chrono::milliseconds(235);
 
 constexpr auto latePatience = std::chrono::milliseconds(60);
+
+/// In which a window goes to its place after it has left a state.
+constexpr auto leaving = std::chrono::seconds(1);
 
 bool isSmaller(const Rect& rect, const Rect& than) {
     return rect.width < than.width || rect.height < than.height;
@@ -36,7 +40,8 @@ X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
       ladder(x, frames, manager),
       states(x, frames, ladder),
       raiser(x, frames, manager),
-      notes(x, "_QUORVEL_HELD", HoldNote::length) {}
+      notes(x, "_QUORVEL_HELD", HoldNote::length),
+      events(x.onEvent([this](const xcb_generic_event_t& event) { handle(event); })) {}
 
 FocusedWindowReading X11WindowAccess::focusedWindow(std::int32_t processIdentifier,
                                                     const std::string& bundlePath) {
@@ -80,6 +85,7 @@ std::int32_t X11WindowAccess::setOrigin(AXWindow window, Point originAX, MoveSte
     const auto question = manager.ask();
     auto now = read(window);
     manager.update(question);
+    if (hold) hold->managerLife = manager.generation();
     const auto given = hold ? hold->given : std::nullopt;
     if (now && (hold || step == MoveStep::final)) now = freed(*now, hold, deadline);
     if (now && hold && hold->given != given) note(*hold);
@@ -163,8 +169,10 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     hold.attemptsLeft = 2;
     // Here already, so that the first frame of the slide is not late.
     manager.update(manager.ask());
+    hold.managerLife = manager.generation();
     if (const auto now = read(window)) {
         hold.client = now->client;
+        filled.erase(now->client);
         if (now->states.any() && !hold.given) {
             // In case that is as far as we get.
             Hold foreseen = hold;
@@ -178,12 +186,16 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     newHolds.notify();
 }
 
-void X11WindowAccess::note(const Hold& hold) {
+HoldNote X11WindowAccess::noteOf(const Hold& hold) {
     const Point origin = axOriginInRoot(displaysInRoot());
     Rect home = hold.originalFrameAX;
     home.x += origin.x;
     home.y += origin.y;
-    notes.write(hold.client, HoldNote{home, hold.given}.content());
+    return {home, hold.given};
+}
+
+void X11WindowAccess::note(const Hold& hold) {
+    notes.write(hold.client, noteOf(hold).content());
 }
 
 int X11WindowAccess::putBackLost() {
@@ -246,8 +258,48 @@ void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {
     if (held == holds.end()) return;
     if (how == EndOfHold::putBack) {
         held->second.comesHome = true;
-    } else {
-        endHold(window);
+        return;
+    }
+    const Hold hold = held->second;
+    endHold(window);
+    // Where another window manager has put it since it is nobody's wish.
+    manager.update(manager.ask());
+    if (hold.client != XCB_WINDOW_NONE && hold.managerLife != manager.generation()) {
+        bringBack(hold.client, noteOf(hold));
+    }
+    const auto now = frames.read(hold.client);
+    if (now && now->states.any() && !hold.keepsStates) {
+        frames.watch(*now, true);
+        filled.insert_or_assign(hold.client, Filled{{noteOf(hold).home, std::nullopt}, {}});
+    }
+}
+
+void X11WindowAccess::handle(const xcb_generic_event_t& event) {
+    if (filled.empty()) return;
+    switch (event.response_type & 0x7F) {
+        case XCB_DESTROY_NOTIFY:
+            filled.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+            return;
+        case XCB_PROPERTY_NOTIFY:
+        case XCB_CONFIGURE_NOTIFY:
+            lookAfterFilled();
+            return;
+        default:
+            return;
+    }
+}
+
+/// To the window manager its place was the edge all the time, and there it returns.
+void X11WindowAccess::lookAfterFilled() {
+    for (auto entry = filled.begin(); entry != filled.end();) {
+        Filled& its = entry->second;
+        const auto now = frames.read(entry->first);
+        bool isOver = !now || (its.leftAt && Clock::now() - *its.leftAt > leaving);
+        if (!isOver && !now->states.any()) {
+            if (!its.leftAt) its.leftAt = Clock::now();
+            isOver = bringBack(entry->first, its.note);
+        }
+        entry = isOver ? filled.erase(entry) : std::next(entry);
     }
 }
 

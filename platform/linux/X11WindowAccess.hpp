@@ -59,16 +59,26 @@ private:
         xcb_window_t client = XCB_WINDOW_NONE;
         Rect originalFrameAX;
         std::optional<GivenUpStates> given;
-        bool keepsStates = false;  ///< it is moved past the window manager with its states
-        int attemptsLeft = 0;      ///< to give it the size in which it was seen
-        bool comesHome = false;    ///< the next final step is the last one
+        bool keepsStates = false;       ///< it is moved past the window manager with its states
+        int attemptsLeft = 0;           ///< to give it the size in which it was seen
+        bool comesHome = false;         ///< the next final step is the last one
+        std::uint64_t managerLife = 0;  ///< under which it was moved last
+    };
+
+    /// Let go of while somebody filled the screen with it.
+    struct Filled {
+        HoldNote note;
+        std::optional<Clock::time_point> leftAt;
     };
 
     std::optional<WindowReading> read(AXWindow window);
     /// Says on the window itself what it takes to bring it back.
     void note(const Hold& hold);
+    HoldNote noteOf(const Hold& hold);
     bool bringBack(xcb_window_t client, const HoldNote& note);
     void endHold(AXWindow window);
+    void handle(const xcb_generic_event_t& event);
+    void lookAfterFilled();
     /// Where it will be when somebody shows it again.
     void sendHomeWithdrawn(AXWindow window, Point originAX);
     /// Without a display, as long as there is none, the place of the last one.
@@ -90,8 +100,10 @@ private:
     WindowNotes notes;
     Point lastAxOrigin;
     std::unordered_map<AXWindow, Hold> holds;
+    std::unordered_map<xcb_window_t, Filled> filled;
     Subscribers<> newHolds;
     bool isObserving = false;
+    Subscription events;
 };
 
 }  // namespace quorvel::native

@@ -73,6 +73,10 @@ public:
     void sendSignal(int number) const { process->signal(number); }
     pid_t pid() const { return process->pid(); }
     int waitForExit();
+    /// The wait status; nothing when it still runs after the time.
+    std::optional<int> waitForEnd(std::chrono::milliseconds limit = patience) {
+        return process->waitForExit(limit);
+    }
 
     /// What the log says, without times: one message a line.
     std::vector<std::string> logLines() const;

@@ -198,8 +198,15 @@ Recipe prepare(WindowManagerKind kind, const ScratchFolder& folder) {
     throw std::invalid_argument("no such window manager");
 }
 
-ChildProcess start(WindowManagerKind kind, Environment environment, const ScratchFolder& folder) {
-    const Recipe recipe = prepare(kind, folder);
+std::vector<std::uint32_t> checkWindow(const XProbe& probe) {
+    const XClient& x = probe.connection();
+    return x.property32(x.root(), "_NET_SUPPORTING_WM_CHECK");
+}
+
+ChildProcess launch(WindowManagerKind kind, Environment environment, const ScratchFolder& folder,
+                    WindowManager::Start start) {
+    Recipe recipe = prepare(kind, folder);
+    if (start == WindowManager::Start::replacing) recipe.arguments.emplace_back("--replace");
     for (const auto& [name, value] : recipe.environment) environment[name] = value;
     return ChildProcess({recipe.arguments, environment, folder / "window-manager.log", {}});
 }
@@ -257,24 +264,32 @@ void PrintTo(WindowManagerKind kind, std::ostream* out) {
 }
 
 WindowManager::WindowManager(WindowManagerKind kind, const Environment& environment,
-                             const ScratchFolder& folder, const XProbe& probe)
+                             const ScratchFolder& folder, const XProbe& probe, Start start)
     : managerKind(kind),
-      process(start(kind, environment, folder)),
+      predecessor(start == Start::replacing ? checkWindow(probe) : std::vector<std::uint32_t>{}),
+      process(launch(kind, environment, folder, start)),
       firstClient(environment.at("DISPLAY")) {
     const auto need = [&](bool itHas, const char* what) {
         if (itHas) return;
         throw std::runtime_error(nameOf(kind) + " does not " + what + "; see window-manager.log");
     };
-    waitUntil([&] { return probe.windowManagerIsReady() || !process.isRunning(); });
-    need(probe.windowManagerIsReady(), "start");
+    const auto isReady = [&] {
+        return probe.windowManagerIsReady() && checkWindow(probe) != predecessor;
+    };
+    waitUntil([&] { return isReady() || !process.isRunning(); });
+    need(isReady(), "start");
 
     // Openbox announces itself a little before it answers, and loses a window mapped in between:
     // it is ready when it manages one.
     const xcb_window_t window = firstClient.open({.title = "Readiness"});
+    // Where there are others, one of them may fill the screen, and some show no other then.
+    const auto isTaken = [&] {
+        return probe.isManaged(window) &&
+               (probe.isViewable(window) || probe.clientList().size() > 1);
+    };
     need(waitUntil([&] {
              firstClient.map(window);
-             return waitUntil([&] { return probe.isManaged(window) && probe.isViewable(window); },
-                              20ms);
+             return waitUntil(isTaken, 20ms);
          }),
          "manage a window");
     firstClient.destroy(window);

@@ -39,9 +39,12 @@ void PrintTo(WindowManagerKind kind, std::ostream* out);
 /// returns. Throws when it does not start.
 class WindowManager {
 public:
-    /// `environment` is that of the session; its HOME is in `folder`.
+    enum class Start { alone, replacing };
+
+    /// `environment` is that of the session; its HOME is in `folder`. A replacing one takes over
+    /// from the one that runs.
     WindowManager(WindowManagerKind kind, const Environment& environment,
-                  const ScratchFolder& folder, const XProbe& probe);
+                  const ScratchFolder& folder, const XProbe& probe, Start start = Start::alone);
 
     WindowManagerKind kind() const { return managerKind; }
     bool isRunning() const { return process.isRunning(); }
@@ -54,6 +57,7 @@ public:
 
 private:
     WindowManagerKind managerKind;
+    std::vector<std::uint32_t> predecessor;  ///< the check window of the one it takes over from
     ChildProcess process;
     // Kept, so that no later window is given the identifier of the one that was destroyed: some
     // leave that in _NET_ACTIVE_WINDOW.

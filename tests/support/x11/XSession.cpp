@@ -54,7 +54,9 @@ XSession::XSession(XSessionOptions options) : variables(baseEnvironment(scratch)
     keyboardAndPointer = std::make_unique<XInput>(xServer->displayName());
     eye = std::make_unique<XProbe>(xServer->displayName());
     sessionBus = std::make_unique<DBusSession>(variables, scratch);
-    variables["DBUS_SESSION_BUS_ADDRESS"] = sessionBus->address();
+    // As desktops give it: the identifier of one daemon in it would keep everyone off the next one.
+    const std::string address = sessionBus->address();
+    variables["DBUS_SESSION_BUS_ADDRESS"] = address.substr(0, address.find(','));
 
     unsetenv("XDG_CURRENT_DESKTOP");
     unsetenv("WAYLAND_DISPLAY");
@@ -77,6 +79,17 @@ XSession::~XSession() {
 
 void XSession::startWindowManager(WindowManagerKind kind) {
     manager = std::make_unique<WindowManager>(kind, variables, scratch, *eye);
+}
+
+void XSession::replaceWindowManager(WindowManagerKind kind) {
+    manager = std::make_unique<WindowManager>(kind, variables, scratch, *eye,
+                                              WindowManager::Start::replacing);
+}
+
+void XSession::restartBus() {
+    sessionBus.reset();
+    std::filesystem::remove(scratch / "bus");
+    sessionBus = std::make_unique<DBusSession>(variables, scratch);
 }
 
 ChildProcess XSession::start(std::vector<std::string> arguments, const Environment& extra) const {

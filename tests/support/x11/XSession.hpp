@@ -39,6 +39,8 @@ public:
     const std::string& displayName() const { return xServer->displayName(); }
     XServer& server() { return *xServer; }
     DBusSession& bus() { return *sessionBus; }
+    /// A new one at the address of the first, which has been killed.
+    void restartBus();
     XInput& input() { return *keyboardAndPointer; }
     const XProbe& probe() const { return *eye; }
 
@@ -46,6 +48,8 @@ public:
     WindowManager* windowManager() const { return manager.get(); }
     void startWindowManager(WindowManagerKind kind);
     void stopWindowManager() { manager.reset(); }
+    /// Lets another one take over from the one that runs (not i3, awesome, bspwm).
+    void replaceWindowManager(WindowManagerKind kind);
 
     /// Starts a program in the session; `extra` is added to its environment. Its output goes to
     /// NAME.log.
