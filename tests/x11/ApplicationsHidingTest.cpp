@@ -188,6 +188,11 @@ protected:
         const XClient& x = client().connection();
         x.sendToRoot(window, "_NET_WM_STATE", {1, x.atom("_NET_WM_STATE_SHADED"), 0, 2, 0});
         if (!until([&] { return isShaded(window); })) throw std::runtime_error("is not shaded");
+        // The state is told before the frame has gone along.
+        until([&] {
+            const auto seen = probe().visibleFrame(window);
+            return never([&] { return probe().visibleFrame(window) != seen; }, 250ms);
+        });
         return window;
     }
     /// Its title bar too.
