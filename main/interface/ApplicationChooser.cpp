@@ -19,8 +19,8 @@ namespace {
 constexpr int pathRole = Qt::UserRole;
 constexpr int iconSize = 24;
 
-/// The toolkit tints the icon of the chosen row in the colour of that row, which leaves nothing to
-/// be seen of one that has that colour itself.
+/// The toolkit tints the icon of the chosen row in the colour of that row, where it is hard to
+/// tell.
 QIcon sameWhenChosen(const QIcon& icon) {
     const QPixmap picture = icon.pixmap({iconSize, iconSize}, qApp->devicePixelRatio());
     QIcon result(picture);
