@@ -76,6 +76,7 @@ deb:
 test-package: deb
 	@scripts/install-packages package-test
 	@scripts/check-package build/quorvel_*.deb
+	@scripts/first-day build/quorvel_*.deb
 
 bench:
 	@scripts/install-packages build run desktop bench

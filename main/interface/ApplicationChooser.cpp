@@ -1,7 +1,7 @@
 #include "main/interface/ApplicationChooser.hpp"
 
 #include <QAbstractListModel>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -19,6 +19,15 @@ namespace {
 constexpr int pathRole = Qt::UserRole;
 constexpr int iconSize = 24;
 
+/// The toolkit tints the icon of the chosen row in the colour of that row, where it is hard to
+/// tell.
+QIcon sameWhenChosen(const QIcon& icon) {
+    const QPixmap picture = icon.pixmap({iconSize, iconSize}, qApp->devicePixelRatio());
+    QIcon result(picture);
+    result.addPixmap(picture, QIcon::Selected);
+    return result;
+}
+
 /// Icons are looked up when they come into sight: there may be hundreds.
 class InstalledModel final : public QAbstractListModel {
 public:
@@ -35,7 +44,7 @@ public:
             case Qt::DisplayRole:
                 return QString::fromStdString(program.name);
             case Qt::DecorationRole:
-                return icons.iconFor(program.path);
+                return sameWhenChosen(icons.iconFor(program.path));
             case Qt::ToolTipRole:
             case pathRole:
                 return QString::fromStdString(program.path);

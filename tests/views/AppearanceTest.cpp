@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QPainter>
 #include <QStyleOption>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextLayout>
 #include <cmath>
@@ -153,6 +154,28 @@ TEST(AppearanceTest, ASearchThatFindsNothingSaysSo) {
         }
     }
     EXPECT_FALSE(isUniform);
+}
+
+TEST(AppearanceTest, TheIconOfTheChosenProgramKeepsItsColours) {
+    const QColor own(200, 40, 10);
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("notes.png"));
+    QImage picture(24, 24, QImage::Format_ARGB32);
+    picture.fill(own);
+    ASSERT_TRUE(picture.save(file));
+    const std::string notes = "/usr/share/applications/notes.desktop";
+    SimulatedDesktop sim;
+    sim.install(notes, "Notes");
+    sim.catalog.add({notes, "Notes", {{}, file.toStdString()}});
+    AppIcons icons(sim.catalog, sim.files);
+    QWidget parent;
+    ApplicationChooser chooser(parent, sim.catalog, icons, [](const std::string&) {});
+    chooser.setAttribute(Qt::WA_DeleteOnClose, false);
+    chooser.show();
+    chooser.searchField->setText(QStringLiteral("notes"));
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(chooser.list->selectionModel()->hasSelection());
+    EXPECT_TRUE(has(imageOf(*chooser.list->viewport()), own));
 }
 
 TEST(AppearanceTest, OutlinesOfIndicatorsAreSeenInTheDark) {
