@@ -32,6 +32,11 @@ public:
     }
     void erase(xcb_window_t window) const { notes.erase(window); }
 
+    bool saysMoved(xcb_window_t window) const {
+        const auto content = notes.of(window);
+        return content && movedFrameIn(*content);
+    }
+
     /// Without a frame: it was not moved.
     std::vector<std::pair<xcb_window_t, std::optional<MovedFrame>>> all() const {
         std::vector<std::pair<xcb_window_t, std::optional<MovedFrame>>> hidden;

@@ -232,14 +232,19 @@ bool MoveLadder::movesAtAll(const WindowReading& now, const std::vector<Rect>& d
     return after && after->seen.origin() != now.seen.origin();
 }
 
-MoveResult MoveLadder::goPastIt(const WindowReading& now, Point target) {
+MoveResult MoveLadder::goPastIt(const WindowReading& now, Point target, int attemptsLeft) {
     Memory& memory = memories[now.client];
     const Point corner = plus(target, minus(now.frameArea.origin(), now.seen.origin()));
     if (corner != now.frameArea.origin()) {
         const std::uint8_t error = overrideFrame(x, now.frame, now.frameIsOverrideRedirect, corner);
         if (error != 0) {
-            return frames.read(now.client) ? MoveResult{MoveOutcome::refused, error}
-                                           : MoveResult{MoveOutcome::vanished};
+            const auto left = frames.read(now.client);
+            if (!left) return {MoveOutcome::vanished};
+            // The frame has gone with its window manager; the window has not.
+            const bool isAnotherFrame = left->frame != now.frame;
+            if (isAnotherFrame && attemptsLeft > 0)
+                return goPastIt(*left, target, attemptsLeft - 1);
+            return {MoveOutcome::refused, error};
         }
     }
     if (!memory.believed) memory.believed = now.seen.origin();

@@ -86,7 +86,7 @@ private:
                                              Point target, Clock::time_point deadline);
     bool movesAtAll(const WindowReading& now, const std::vector<Rect>& displays,
                     Clock::time_point deadline);
-    MoveResult goPastIt(const WindowReading& now, Point target);
+    MoveResult goPastIt(const WindowReading& now, Point target, int attemptsLeft = 1);
 
     XConnection& x;
     FrameReader& frames;

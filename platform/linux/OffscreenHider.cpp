@@ -1,7 +1,6 @@
 #include "platform/linux/OffscreenHider.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "platform/linux/MoveRequests.hpp"
@@ -12,9 +11,6 @@ namespace {
 /// How often a window manager may put a frame back before it has its way.
 constexpr int mostReturns = 50;
 
-/// For how long a new window manager may still put windows where it found them.
-constexpr std::chrono::seconds takeover{5};
-constexpr int mostAttempts = 10;
 constexpr double widestBorder = 32;
 constexpr std::chrono::milliseconds patience{100};
 
@@ -31,12 +27,13 @@ FrameOverrideHider::FrameOverrideHider(XConnection& x, WindowManagerInfo& manage
       manager(manager),
       frames(frames),
       notes(x),
+      returning(x, manager, [this](xcb_window_t window) { notes.erase(window); }),
       events(x.onEvent([this](const xcb_generic_event_t& event) { handle(event); })),
       managerEvents(manager.onChange([this] { abandon(); })) {}
 
 FrameOverrideHider::~FrameOverrideHider() {
     for (const xcb_window_t window : hidden()) show(window);
-    for (const auto& [window, its] : returning) notes.erase(window);
+    returning.clear();
     x.flush();
 }
 
@@ -51,7 +48,7 @@ bool FrameOverrideHider::hide(xcb_window_t window) {
     place.home = reading->frameArea.origin();
     place.exile = exileFor(reading->frameArea.width, place.home.y);
     notes.write(window, HiddenNotes::MovedFrame{place.frame, place.home});
-    returning.erase(window);
+    returning.remove(window);
     if (overrideFrame(x, place.frame, place.isOverrideRedirect, place.exile) != 0) return false;
     const auto moved = frames.read(window);
     if (!moved || moved->frameArea.origin() != place.exile) return false;
@@ -95,21 +92,15 @@ std::vector<xcb_window_t> FrameOverrideHider::hidden() const {
 }
 
 void FrameOverrideHider::handle(const xcb_generic_event_t& event) {
-    if (places.empty() && returning.empty()) return;
+    if (places.empty()) return;
     switch (event.response_type & 0x7F) {
         case XCB_DESTROY_NOTIFY: {
             const auto& end = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
             places.erase(end.window);
-            returning.erase(end.window);
             return;
         }
         case XCB_CONFIGURE_NOTIFY:
             frameMoved(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
-            lookAfterReturning();
-            return;
-        case XCB_REPARENT_NOTIFY:
-        case XCB_MAP_NOTIFY:
-            lookAfterReturning();
             return;
         default:
             return;
@@ -141,22 +132,8 @@ void FrameOverrideHider::frameMoved(const xcb_configure_notify_event_t& change) 
 /// next one would keep it there.
 void FrameOverrideHider::abandon() {
     for (const auto& [window, place] : std::exchange(places, {})) {
-        returning.insert_or_assign(window, Returning{{place.frame, place.home}, {}, 0});
-    }
-    for (auto& [window, its] : returning) its.until = Clock::now() + takeover;
-    lookAfterReturning();
-}
-
-/// It may have found them off the screen before they were back.
-void FrameOverrideHider::lookAfterReturning() {
-    for (auto entry = returning.begin(); entry != returning.end();) {
-        const xcb_window_t window = entry->first;
-        Returning& its = entry->second;
-        if (bringBack(window, its.moved)) ++its.attempts;
-        const bool isOver =
-            (manager.isRunning() && Clock::now() > its.until) || its.attempts > mostAttempts;
-        if (isOver) notes.erase(window);
-        entry = isOver ? returning.erase(entry) : std::next(entry);
+        const HiddenNotes::MovedFrame moved{place.frame, place.home};
+        returning.add(window, [this, moved](xcb_window_t each) { return bringBack(each, moved); });
     }
 }
 

@@ -9,6 +9,7 @@
 #include "platform/Geometry.hpp"
 #include "platform/linux/FrameReader.hpp"
 #include "platform/linux/HiddenNotes.hpp"
+#include "platform/linux/TakeoverWatch.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/XConnection.hpp"
 
@@ -53,24 +54,16 @@ private:
         int returns = 0;
     };
 
-    /// What was hidden when the window manager changed.
-    struct Returning {
-        HiddenNotes::MovedFrame moved;
-        Clock::time_point until;
-        int attempts = 0;
-    };
-
     void handle(const xcb_generic_event_t& event);
     void frameMoved(const xcb_configure_notify_event_t& change);
     void abandon();
-    void lookAfterReturning();
 
     XConnection& x;
     WindowManagerInfo& manager;
     FrameReader& frames;
     HiddenNotes notes;
     std::unordered_map<xcb_window_t, Place> places;
-    std::unordered_map<xcb_window_t, Returning> returning;
+    TakeoverWatch returning;  ///< what was hidden when the window manager changed
     Subscription events;
     Subscription managerEvents;
 };

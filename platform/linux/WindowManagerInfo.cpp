@@ -29,6 +29,7 @@ WindowManagerInfo::WindowManagerInfo(XConnection& x)
     x.selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
     read();
     announcedLife = life;
+    lifeBegan.reset();
 }
 
 bool WindowManagerInfo::supports(std::string_view atomName) const {
@@ -63,6 +64,15 @@ void WindowManagerInfo::update(Question question) {
     if (!isUnchanged) read();
 }
 
+bool WindowManagerInfo::isTakingOver() const {
+    return lifeBegan && std::chrono::steady_clock::now() - *lifeBegan < takeover;
+}
+
+void WindowManagerInfo::beginLife() {
+    ++life;
+    lifeBegan = std::chrono::steady_clock::now();
+}
+
 Subscription WindowManagerInfo::onChange(std::function<void()> handler) {
     return subscribers.add(std::move(handler));
 }
@@ -74,7 +84,7 @@ void WindowManagerInfo::handle(const xcb_generic_event_t& event) {
             if (checkWindow == XCB_WINDOW_NONE || end.window != checkWindow) return;
             // The next one may be given the very same identifier.
             checkWindow = XCB_WINDOW_NONE;
-            ++life;
+            beginLife();
             break;
         }
         case XCB_PROPERTY_NOTIFY: {
@@ -113,7 +123,7 @@ void WindowManagerInfo::read() {
         const auto listed = x.property32(x.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM);
         atoms.insert(listed.begin(), listed.end());
     }
-    if (found != checkWindow || name != managerName) ++life;
+    if (found != checkWindow || name != managerName) beginLife();
     checkWindow = found;
     managerName = std::move(name);
     supported = std::move(atoms);

@@ -2,8 +2,10 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -30,6 +32,11 @@ public:
     /// was learnt about the one before holds.
     std::uint64_t generation() const { return life; }
 
+    /// For how long a new one may still put windows where it found them, or where it likes.
+    static constexpr std::chrono::seconds takeover{5};
+    /// Whether this life has begun before our eyes and so lately.
+    bool isTakingOver() const;
+
     /// A question on its way to the server, so that it shares a round trip with others.
     struct Question {
         xcb_get_property_cookie_t published;
@@ -45,6 +52,7 @@ public:
 private:
     void handle(const xcb_generic_event_t& event);
     void read();
+    void beginLife();
 
     XConnection& x;
     xcb_window_t publishedWindow = XCB_WINDOW_NONE;  ///< may not be a window manager's
@@ -53,6 +61,7 @@ private:
     std::unordered_set<xcb_atom_t> supported;
     std::uint64_t life = 0;
     std::uint64_t announcedLife = 0;
+    std::optional<std::chrono::steady_clock::time_point> lifeBegan;
     Subscribers<> subscribers;
     Subscription events;
 };

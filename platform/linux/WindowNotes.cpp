@@ -31,6 +31,13 @@ void WindowNotes::erase(xcb_window_t window) const {
     xcb_discard_reply(x.xcb(), cookie.sequence);
 }
 
+std::optional<WindowNotes::Content> WindowNotes::of(xcb_window_t window) const {
+    const auto question = xcb_get_property(x.xcb(), 0, window, x.atom(property), XCB_ATOM_INTEGER,
+                                           0, static_cast<std::uint32_t>(headerLength + length));
+    const Reply<xcb_get_property_reply_t> reply{xcb_get_property_reply(x.xcb(), question, nullptr)};
+    return contentIn(reply.get(), length);
+}
+
 std::vector<std::pair<xcb_window_t, WindowNotes::Content>> WindowNotes::all() const {
     const auto tree = xcb_query_tree(x.xcb(), x.root());
     const auto listed = x.property32(x.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW);

@@ -28,6 +28,8 @@ public:
     void write(xcb_window_t window, const Content& content) const;
     void erase(xcb_window_t window) const;
 
+    std::optional<Content> of(xcb_window_t window) const;
+
     /// All windows that carry such a note: those that the window manager lists, and those right
     /// under the root. Two round trips.
     std::vector<std::pair<xcb_window_t, Content>> all() const;

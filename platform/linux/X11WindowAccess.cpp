@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/DisplayGeometry.hpp"
+#include "platform/linux/HiddenNotes.hpp"
 #include "platform/linux/MoveRequests.hpp"
 
 namespace quorvel::native {
@@ -41,6 +42,7 @@ X11WindowAccess::X11WindowAccess(XConnection& x, WindowElements& elements,
       states(x, frames, ladder),
       raiser(x, frames, manager),
       notes(x, "_QUORVEL_HELD", HoldNote::length),
+      returning(x, manager),
       events(x.onEvent([this](const xcb_generic_event_t& event) { handle(event); })) {}
 
 FocusedWindowReading X11WindowAccess::focusedWindow(std::int32_t processIdentifier,
@@ -173,6 +175,7 @@ void X11WindowAccess::hold(AXWindow window, const Rect& originalFrameAX) {
     if (const auto now = read(window)) {
         hold.client = now->client;
         filled.erase(now->client);
+        returning.remove(now->client);
         if (now->states.any() && !hold.given) {
             // In case that is as far as we get.
             Hold foreseen = hold;
@@ -218,10 +221,12 @@ bool X11WindowAccess::bringBack(xcb_window_t client, const HoldNote& note) {
         return false;
     }
     const std::vector<Rect> displays = displaysInRoot();
-    const bool isAway = !isWhollyOnDisplays(now->seen, displays);
+    const Point home = originOnNearestDisplay(
+        {note.home.x, note.home.y, now->seen.width, now->seen.height}, displays);
+    // Home itself may lie over an edge.
+    const bool isAway = !isWhollyOnDisplays(now->seen, displays) && now->seen.origin() != home;
     if (isAway) {
-        const Rect wanted{note.home.x, note.home.y, now->seen.width, now->seen.height};
-        ladder.place(*now, originOnNearestDisplay(wanted, displays), displays, deadline);
+        ladder.place(*now, home, displays, deadline);
     } else if (now->seen != note.home) {
         return false;
     }
@@ -264,8 +269,12 @@ void X11WindowAccess::letGo(AXWindow window, EndOfHold how) {
     endHold(window);
     // Where another window manager has put it since it is nobody's wish.
     manager.update(manager.ask());
-    if (hold.client != XCB_WINDOW_NONE && hold.managerLife != manager.generation()) {
-        bringBack(hold.client, noteOf(hold));
+    const bool isManagersDoing = hold.managerLife != manager.generation() || manager.isTakingOver();
+    if (hold.client != XCB_WINDOW_NONE && isManagersDoing) {
+        returning.add(hold.client, [this, its = noteOf(hold)](xcb_window_t client) {
+            // Its application may have been hidden since, off the screen.
+            return !HiddenNotes(x).saysMoved(client) && bringBack(client, its);
+        });
     }
     const auto now = frames.read(hold.client);
     if (now && now->states.any() && !hold.keepsStates) {

@@ -13,6 +13,7 @@
 #include "platform/linux/HeldFrames.hpp"
 #include "platform/linux/HoldNote.hpp"
 #include "platform/linux/MoveLadder.hpp"
+#include "platform/linux/TakeoverWatch.hpp"
 #include "platform/linux/WindowElements.hpp"
 #include "platform/linux/WindowManagerInfo.hpp"
 #include "platform/linux/WindowNotes.hpp"
@@ -101,6 +102,7 @@ private:
     Point lastAxOrigin;
     std::unordered_map<AXWindow, Hold> holds;
     std::unordered_map<xcb_window_t, Filled> filled;
+    TakeoverWatch returning;  ///< let go of while a window manager took over
     Subscribers<> newHolds;
     bool isObserving = false;
     Subscription events;
