@@ -126,6 +126,12 @@ bool Reach::isWhole(xcb_window_t window) const {
     });
 }
 
+bool Reach::isShaded(xcb_window_t window) const {
+    const auto states = probe.netWmState(window);
+    return std::find(states.begin(), states.end(), "_NET_WM_STATE_SHADED") != states.end() &&
+           probe.isViewable(probe.frameOf(window));
+}
+
 bool Reach::showsUsablePart(const Rect& frame) const {
     return std::any_of(displays.begin(), displays.end(), [&](const Rect& display) {
         const Rect part = frame.intersection(display);
@@ -146,10 +152,12 @@ std::string Reach::complaint(xcb_window_t window, Terms terms) const {
     if (!isManaged && state.value_or(0) == 0 && !probe.isViewable(window)) return {};
     if (!isManaged) return "is not managed";
     if (state == 3U || isOnAnotherWorkspace(window)) return {};
+    const auto seen = probe.visibleFrame(window);
     if (!probe.isViewable(window)) {
+        // Of a shaded one there is the title bar.
+        if (isShaded(window) && seen && showsUsablePart(*seen)) return {};
         return isBehindFullscreen(window) ? "" : "is neither shown nor iconic";
     }
-    const auto seen = probe.visibleFrame(window);
     return !seen || showsUsablePart(*seen) ? "" : "is off every display";
 }
 

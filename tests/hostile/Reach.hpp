@@ -67,6 +67,7 @@ private:
     bool isOurs(xcb_window_t window) const { return classes.contains(classOf(window)); }
     bool isOnAnotherWorkspace(xcb_window_t window) const;
     bool isBehindFullscreen(xcb_window_t window) const;
+    bool isShaded(xcb_window_t window) const;
     bool showsUsablePart(const Rect& frame) const;
     void listen();
 

@@ -7,11 +7,14 @@
 namespace quorvel::test {
 namespace {
 
+// Its animation of minimizing moves the window itself: killed meanwhile, it leaves it somewhere on
+// the way, whoever asked for it.
 constexpr std::string_view openboxConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
  <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
  <placement><policy>Smart</policy></placement>
- <theme><name>Clearlooks</name><titleLayout>NLIMC</titleLayout></theme>
+ <theme><name>Clearlooks</name><titleLayout>NLIMC</titleLayout>
+  <animateIconify>no</animateIconify></theme>
  <desktops><number>2</number></desktops>
  <keyboard/>
  <mouse>
