@@ -10,7 +10,7 @@ JOBS ?= $(shell nproc)
 TEST_JOBS ?= $(shell echo $$(($(JOBS) * 2)))
 CTEST := --output-on-failure --no-tests=error --progress
 
-.PHONY: run test deps build install deb test-package bench fuzz matrix hostile check format clean tour pictures
+.PHONY: run test deps build install deb test-package bench fuzz matrix hostile check format clean tour pictures animation
 
 # Builds and starts the program on this desktop; where there is none, on a private one of its own,
 # where it walks through what the program does.
@@ -98,6 +98,12 @@ pictures:
 	@cmake --preset release -DQUORVEL_TESTS=ON >/dev/null
 	@cmake --build $(RELEASE) --target quorvel_settings_pictures -j $(JOBS)
 	@scripts/settings-pictures
+
+# The animation of the README: docs/pictures/tour.gif.
+animation:
+	@scripts/install-packages build run desktop animation
+	@$(MAKE) --no-print-directory compile
+	@scripts/animation
 
 # What works on which window manager: tries it all and writes the table of the documentation.
 matrix:
