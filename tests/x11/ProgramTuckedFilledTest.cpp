@@ -15,6 +15,8 @@ TEST_P(ProgramTuckedFilledTest, AfterFullscreenItIsNotBackAtTheEdgeWithNobodyToR
     const Rect home = program.settledFrame(window);
     program.press(program.shortcut);
     ASSERT_TRUE(program.waitForFrame(window, ProgramOnX::atLeftEdge(home)));
+    // Until its slide has ended, a state is taken from it as one of before.
+    ASSERT_TRUE(program.staysAt(window, ProgramOnX::atLeftEdge(home)));
     const XClient& x = program.probe().connection();
     const auto setFullscreen = [&](std::uint32_t action) {
         x.sendToRoot(window, "_NET_WM_STATE",
